@@ -1,0 +1,11 @@
+# Outside libraries; each is linked only by the library that wraps it.
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets DBus Svg Test)
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+pkg_check_modules(TurboJpeg REQUIRED IMPORTED_TARGET libturbojpeg libjpeg)
+pkg_check_modules(Tiff REQUIRED IMPORTED_TARGET libtiff-4)
+pkg_check_modules(Png REQUIRED IMPORTED_TARGET libpng)
+pkg_check_modules(Exiv2 REQUIRED IMPORTED_TARGET exiv2)
+pkg_check_modules(Lcms REQUIRED IMPORTED_TARGET lcms2)
+pkg_check_modules(Seccomp REQUIRED IMPORTED_TARGET libseccomp)
+find_package(GIF REQUIRED)

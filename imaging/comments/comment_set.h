@@ -1,0 +1,25 @@
+#pragma once
+#include "imaging/comments/comment_value.h"
+#include <utility>
+#include <vector>
+
+namespace quillane {
+
+/// All comment slots of one file.
+class CommentSet {
+public:
+    /// The value of a slot; an empty value for a slot that the file lacks.
+    const CommentValue& At(qint16 slot) const;
+    void Set(qint16 slot, CommentValue value);
+    bool IsEmpty() const { return mValues.empty(); }
+    bool operator==(const CommentSet&) const = default;
+
+private:
+    std::vector<std::pair<qint16, CommentValue>> mValues; ///< by slot
+};
+
+/// Parses the file's metadata once. What cannot be parsed is absent; Failure only when the
+/// file cannot be opened. Any thread.
+CommentSet ReadComments(const QString& path);
+
+} // namespace quillane

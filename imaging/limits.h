@@ -1,0 +1,21 @@
+#pragma once
+#include <QtGlobal>
+
+// Bounds on what a file from outside may ask for. Beyond one: a Failure with words, never an
+// allocation.
+namespace quillane::limits {
+
+inline constexpr qint32 kMaxSide = 65'500;              ///< pixels, width or height
+inline constexpr qint64 kMaxPixels = 200'000'000;       ///< pixels of one picture
+inline constexpr qint64 kMaxPictureBytes = 384ll << 20; ///< decoded bytes of one picture
+inline constexpr qint64 kMaxFileBytes = 2048ll << 20;   ///< file that is read into memory
+inline constexpr qint64 kMaxHeaderBytes = 8ll << 20;    ///< read while looking for facts
+inline constexpr qint64 kMaxTextBytes = 1ll << 20;      ///< one text field
+inline constexpr qint64 kMaxFieldBytes = 4ll << 20;     ///< one field of another shape
+inline constexpr int kMaxFolderDepth = 64;              ///< sub-folders below a scanned folder
+inline constexpr int kMaxPages = 65'535;
+inline constexpr int kWorkerSeconds = 2;        ///< probe or comments of one file
+inline constexpr int kWorkerDecodeSeconds = 10; ///< pixels of one file
+inline constexpr qint64 kWorkerMemoryBytes = 448ll << 20;
+
+} // namespace quillane::limits

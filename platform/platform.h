@@ -1,0 +1,19 @@
+#pragma once
+#include "platform/dialogs.h"
+#include "platform/fixed_places.h"
+#include "platform/folder_watch.h"
+#include "platform/launcher.h"
+#include "platform/ui_loop.h"
+
+namespace quillane {
+
+/// The services of the outside, handed down from main (or from a test).
+struct Platform {
+    Dialogs& dialogs;
+    UiLoop& loop;
+    Launcher& launcher;
+    FixedPlaces& places;
+    FolderWatch& watch;
+};
+
+} // namespace quillane
