@@ -1,0 +1,32 @@
+# What the decoding process is made of, as a library: its program, a program of the tests that
+# misbehaves on purpose, and the benchmark are made from it.
+file(GLOB worker_library_sources CONFIGURE_DEPENDS
+     ${CMAKE_SOURCE_DIR}/imaging/worker_main/service/*.cpp
+     ${CMAKE_SOURCE_DIR}/imaging/worker_main/service/*.h
+     ${CMAKE_SOURCE_DIR}/imaging/worker_main/codecs/*.cpp
+     ${CMAKE_SOURCE_DIR}/imaging/worker_main/codecs/*.h)
+add_library(quillane_worker STATIC ${worker_library_sources})
+# Only the headers of quillane_imaging are used here: its libraries would take longer to load
+# than a small picture takes to decode.
+target_include_directories(quillane_worker PUBLIC ${CMAKE_BINARY_DIR}/roots/quillane_imaging)
+target_link_libraries(quillane_worker
+  PUBLIC quillane_core
+  PRIVATE quillane_options PkgConfig::Tiff PkgConfig::Seccomp)
+quillane_link_dcmtk(quillane_worker)
+
+# Leaves out of a program what its link line names and it does not use.
+function(quillane_worker_program target)
+  target_link_libraries(${target} PRIVATE quillane_options quillane_worker)
+  target_link_options(${target} PRIVATE -Wl,--as-needed)
+endfunction()
+quillane_worker_program(quillane-codec)
+
+if(QUILLANE_TESTS)
+  file(GLOB bad_worker_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/imaging/bad_worker/*.cpp)
+  if(bad_worker_sources)
+    add_executable(quillane-bad-codec ${bad_worker_sources})
+    quillane_worker_program(quillane-bad-codec)
+    cmake_language(EVAL CODE "cmake_language(DEFER DIRECTORY [[${CMAKE_SOURCE_DIR}]]
+      CALL add_dependencies test_imaging quillane-bad-codec)")
+  endif()
+endif()

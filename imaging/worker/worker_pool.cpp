@@ -1,0 +1,157 @@
+#include "imaging/worker/worker_pool.h"
+#include "core/failure.h"
+#include <QCoreApplication>
+#include <chrono>
+
+namespace quillane::worker {
+
+WorkerPool::WorkerPool() = default;
+
+WorkerPool::~WorkerPool()
+{
+    Shutdown();
+}
+
+void WorkerPool::Configure(const QString& program, int maxProcesses)
+{
+    std::vector<Spawned> old;
+    {
+        const std::lock_guard lock(mMutex);
+        mProgram = program;
+        mMax = std::max(1, maxProcesses);
+        ++mGeneration;
+        old.swap(mIdle);
+    }
+    mPlaceFree.notify_all();
+}
+
+quint64 WorkerPool::Generation() const
+{
+    const std::lock_guard lock(mMutex);
+    return mGeneration;
+}
+
+void WorkerPool::WarmUp()
+{
+    const std::lock_guard lock(mMutex);
+    if (mEnding || !mIdle.empty() || mTaken > 0) {
+        return;
+    }
+    ++mTaken;
+    const quint64 generation = mGeneration;
+    const QString program = Program();
+    mTasks.emplace([this, program, generation]() -> Spawned {
+        Spawned spawned;
+        ResumeNext([&] { spawned = WorkerProcess::Spawn(program); });
+        GiveBack(std::move(spawned), generation);
+        return nullptr;
+    });
+    if (!mKeeper.joinable()) {
+        mKeeper = std::thread([this] { Keep(); });
+    }
+    mKeeperWanted.notify_one();
+}
+
+void WorkerPool::Shutdown()
+{
+    std::vector<Spawned> old;
+    std::thread keeper;
+    {
+        const std::lock_guard lock(mMutex);
+        mEnding = true;
+        ++mGeneration;
+        old.swap(mIdle);
+        keeper.swap(mKeeper);
+    }
+    mKeeperWanted.notify_all();
+    if (keeper.joinable()) {
+        keeper.join();
+    }
+    {
+        const std::lock_guard lock(mMutex);
+        mEnding = false;
+    }
+    mPlaceFree.notify_all();
+}
+
+QString WorkerPool::Program() const
+{
+    return mProgram.isEmpty()
+        ? QCoreApplication::applicationDirPath() + QStringLiteral("/quillane-codec")
+        : mProgram;
+}
+
+std::unique_ptr<WorkerProcess> WorkerPool::Take(const std::atomic<bool>* cancelled)
+{
+    std::future<Spawned> coming;
+    {
+        std::unique_lock lock(mMutex);
+        for (;;) {
+            if (cancelled && cancelled->load()) {
+                throw Failure(kFailureCancelled, QStringLiteral("Cancelled."));
+            }
+            if (!mEnding && mTaken < mMax) {
+                break;
+            }
+            mPlaceFree.wait_for(lock, std::chrono::milliseconds(cancelled ? 10 : 1000));
+        }
+        ++mTaken;
+        while (!mIdle.empty()) {
+            Spawned process = std::move(mIdle.back());
+            mIdle.pop_back();
+            if (process->IsUsable()) {
+                return process;
+            }
+        }
+        coming = AskKeeper(Program());
+    }
+    try {
+        return coming.get();
+    } catch (...) {
+        GiveBack(nullptr, 0);
+        throw;
+    }
+}
+
+std::future<WorkerPool::Spawned> WorkerPool::AskKeeper(QString program)
+{
+    std::packaged_task<Spawned()> task(
+        [program = std::move(program)] { return WorkerProcess::Spawn(program); });
+    std::future<Spawned> future = task.get_future();
+    mTasks.push(std::move(task));
+    if (!mKeeper.joinable()) {
+        mKeeper = std::thread([this] { Keep(); });
+    }
+    mKeeperWanted.notify_one();
+    return future;
+}
+
+void WorkerPool::GiveBack(std::unique_ptr<WorkerProcess> process, quint64 generation)
+{
+    {
+        const std::lock_guard lock(mMutex);
+        --mTaken;
+        if (process && generation == mGeneration && !mEnding) {
+            mIdle.push_back(std::move(process));
+        }
+    }
+    mPlaceFree.notify_one();
+}
+
+void WorkerPool::Keep()
+{
+    std::unique_lock lock(mMutex);
+    for (;;) {
+        mKeeperWanted.wait(lock, [this] { return mEnding || !mTasks.empty(); });
+        if (mTasks.empty()) {
+            return;
+        }
+        std::packaged_task<Spawned()> task = std::move(mTasks.front());
+        mTasks.pop();
+        lock.unlock();
+        task();
+        lock.lock();
+    }
+}
+
+} // namespace quillane::worker
