@@ -2,6 +2,8 @@
 #include <QString>
 #include <QStringList>
 #include <QVector>
+#include <functional>
+#include <vector>
 
 namespace quillane {
 
@@ -10,8 +12,11 @@ namespace quillane {
 class FolderListing {
 public:
     /// Reads the folder (and those below it when `deep`, links in a circle visited once).
-    /// A folder that cannot be read gives an empty list; IsReadable tells.
-    void Read(const QString& folder, bool deep = false);
+    /// A folder that cannot be read gives an empty list; IsReadable tells. Below it, folders that
+    /// cannot be read and hidden ones are passed over. keepGoing, if there is one, is asked before
+    /// each folder; its no ends the reading with what was found so far.
+    void Read(const QString& folder, bool deep = false,
+              const std::function<bool()>& keepGoing = {});
     bool IsReadable() const { return mReadable; }
     const QString& Folder() const { return mFolder; }
 
@@ -24,9 +29,11 @@ public:
     QStringList Paths(const QString& pattern) const;
 
 private:
+    class Walk;
     struct OneFolder {
-        QString path;      ///< as names are joined to it
-        QStringList names; ///< ordered
+        QString path;                    ///< as names are joined to it
+        QStringList names;               ///< ordered
+        std::vector<quint64> extensions; ///< of the names, packed for comparing
     };
     QString mFolder;
     bool mReadable = false;

@@ -50,11 +50,19 @@ private:
 /// Opens a regular file for reading, close-on-exec. A FIFO, a device or a folder is refused
 /// without being waited for. Failure: kFailureNoFile, kFailureDenied, kFailureIo.
 FileHandle OpenForReading(const QString& path);
-/// The whole content; Failure as OpenForReading, and kFailureLimit above maxBytes.
+/// The whole content; Failure as OpenForReading, and kFailureLimit above maxBytes (0 or more).
 QByteArray ReadWholeFile(const QString& path, qint64 maxBytes);
+
+struct WriteOptions {
+    quint32 newFileMode = 0666; ///< permission bits of a file that was not there, less the umask
+    bool sync = true;           ///< wait for the disk; off for what can be made again, like a cache
+};
 /// Writes content to a temporary file beside path, syncs it and renames it over path, keeping
-/// the permissions of a file that was there. A Failure leaves the old file as it was.
-void WriteWholeFile(const QString& path, const QByteArray& content);
+/// the permissions of a file that was there. Behind a symbolic link the target is replaced.
+/// A Failure (kFailureNoFile, kFailureDenied, kFailureIo) leaves the old file as it was; a file
+/// without write permission is refused, and so is what is no regular file.
+void WriteWholeFile(const QString& path, const QByteArray& content,
+                    const WriteOptions& options = {});
 
 struct DirEntry {
     QString name;  ///< leaf name
@@ -65,11 +73,20 @@ struct DirEntry {
 /// an entry's type only when the directory does not tell it. Failure when the folder cannot
 /// be read. visit may return false to stop.
 void ListFolder(const QString& folder, const std::function<bool(DirEntry&&)>& visit);
-/// Makes a folder and those above it; false when that is impossible.
+/// Makes a folder and those above it, less the umask; true when it is there already, false when
+/// that is impossible. mode is that of the last folder.
 bool MakeFolder(const QString& folder, quint32 mode = 0777);
 /// The file's modification time in local time; invalid for a missing file.
 QDateTime ModifiedTime(const FileStat& stat);
-/// False when the file cannot be removed.
+/// False when the file cannot be removed; a link goes, not its target; a folder stays.
 bool RemoveFile(const QString& path);
+
+/// How often the system was asked since the program began, over all threads.
+struct PathCalls {
+    qint64 stats = 0; ///< paths and entries looked at
+    qint64 opens = 0; ///< files opened for reading
+    qint64 lists = 0; ///< folders read
+};
+PathCalls PathCallCount();
 
 } // namespace quillane

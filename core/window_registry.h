@@ -4,6 +4,8 @@
 #include <QString>
 #include <functional>
 #include <map>
+#include <set>
+#include <utility>
 #include <vector>
 
 namespace quillane {
@@ -14,10 +16,12 @@ namespace quillane {
 class WindowRegistry {
 public:
     using Maker = std::function<QObject*()>;
-    /// Tells how the window of that name is made. A name may be told once.
+    /// Tells how the window of that name is made. A name may be told once; Failure
+    /// kFailureGeneral for the second time.
     void Register(const QString& name, Maker make);
     bool Knows(const QString& name) const;
-    /// The window, made if it is not there; nullptr for an unknown name.
+    /// The window, made if it is not there; nullptr for an unknown name, while that very window
+    /// is being made, and during DestroyAll.
     QObject* Get(const QString& name);
     /// The window if it has been made and still lives.
     QObject* Loaded(const QString& name) const;
@@ -30,6 +34,8 @@ public:
 private:
     std::map<QString, Maker> mMakers;
     std::vector<std::pair<QString, QPointer<QObject>>> mLoaded;
+    std::set<QString> mBeingMade;
+    bool mDestroying = false;
 };
 
 } // namespace quillane
