@@ -3,6 +3,9 @@
 #include "imaging/worker/protocol.h"
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/socket.h>

@@ -3,6 +3,7 @@
 #include "imaging/worker_main/codecs/shipped_codecs.h"
 #include <algorithm>
 #include <cstring>
+#include <dcmtk/dcmdata/dcdeftag.h>
 #include <dcmtk/dcmdata/dcdict.h>
 #include <dcmtk/dcmdata/dcrledrg.h>
 #include <dcmtk/dcmimage/diregist.h>
@@ -52,6 +53,8 @@ void PrepareDicom()
     DcmRLEDecoderRegistration::registerCodecs();
     DJDecoderRegistration::registerCodecs();
     DJLSDecoderRegistration::registerCodecs();
+    // What lies behind the picture does not matter, and may be missing.
+    dcmStopParsingAfterElement.set(DCM_PixelData);
     // The dictionary of fields is a file: it has to be in memory before files are out of reach.
     dcmDataDict.rdlock();
     dcmDataDict.rdunlock();
