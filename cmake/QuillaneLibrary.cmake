@@ -41,6 +41,6 @@ function(quillane_library folder)
     PUBLIC ${ARG_USES}
     PRIVATE quillane_options ${ARG_LIBRARIES})
   if(ARG_AUTOMOC OR ARG_UI)
-    set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON)
+    set_target_properties(${target} PROPERTIES AUTOMOC ON)
   endif()
 endfunction()

@@ -1,0 +1,18 @@
+#pragma once
+// Which menu entries can be used, decided when a menu opens.
+#include "core/session.h"
+
+namespace quillane {
+
+/// mnuEmailImages, mnuDelete, mnuCopy, mnuMove, mnuRename and mnuMainFilePageSetup: exactly if
+/// the view holds at least one file.
+bool FileEntriesEnabled(const Session& session);
+
+struct PopupRules {
+    bool setWallpaper; ///< mnuPopSetWallpaper
+    bool editTags;     ///< mnuPopEditTags
+    bool showAlbum;    ///< mnuPopShow
+};
+PopupRules UpdatePopupMenu(const Session& session);
+
+} // namespace quillane

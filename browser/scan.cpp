@@ -1,0 +1,285 @@
+#include "browser/scan.h"
+
+#include "browser/filter.h"
+#include "browser/tag_columns.h"
+#include "core/file_kinds.h"
+#include "core/paths.h"
+#include "core/strings.h"
+
+#include <algorithm>
+
+namespace quillane {
+
+namespace {
+
+const QString kScanCanceled = QStringLiteral("Browsing Directory Canceled.");
+const QString kCollectCanceled = QStringLiteral("Browsing Directory Cancaled.");
+
+int ProgressMaximum(qsizetype count)
+{
+    return count < 2 ? 1 : int(count) - 1;
+}
+
+} // namespace
+
+FolderScan::FolderScan(Session& session, Platform platform, ScanView& view)
+    : mSession(session),
+      mPlatform(platform),
+      mView(view),
+      mScanner(platform.loop),
+      mSearchTest([](const QString&) { return true; })
+{ }
+
+void FolderScan::BrowseImages(int mode)
+{
+    mRequested = mode;
+    mPlatform.loop.NewGeneration();
+    if (mScanning) {
+        return;
+    }
+    mScanning = true;
+    while (mRequested) {
+        const int next = *mRequested;
+        mRequested.reset();
+        mGeneration = mPlatform.loop.NewGeneration();
+        try {
+            ScanOnce(next);
+        } catch (...) {
+            mScanner.Stop();
+            mScanning = false;
+            throw;
+        }
+        mScanner.Stop();
+    }
+    mScanning = false;
+}
+
+void FolderScan::Abandon()
+{
+    mRequested.reset();
+    mPlatform.loop.NewGeneration();
+}
+
+void FolderScan::ScanOnce(int mode)
+{
+    mSession.lbFilTiffs.clear();
+    mSession.gBrowseCanceled = false;
+    // The folder is looked into by its own name; lbFilTiffs joins names to gsPath as it stands.
+    FolderListing listing;
+    const bool deep = mode == kThumbnailMode && mScanner.IncludeSubDirectories;
+    listing.Read(WithSeparator(mSession.gsPath), deep);
+    const QStringList names = listing.Names(mSession.gsFilter);
+
+    if (mSearchOn) {
+        mView.SetPanel(1, QStringLiteral("Search = ON"));
+        mView.SetPanel(3, QStringLiteral("Searching..."));
+    } else {
+        mView.SetPanel(1, {});
+        mView.SetPanel(3, QStringLiteral("Total Images = %1").arg(names.size()));
+    }
+    mView.SetPanel(4, mSession.gsPath);
+
+    bool finished = true;
+    if (mode == kListMode) {
+        finished = ScanList(names);
+    } else if (mode == kThumbnailMode) {
+        finished = ScanThumbnails(int(names.size()), listing);
+    }
+    if (!finished) {
+        mView.HideProgress();
+        return;
+    }
+
+    const qsizetype found = mSession.lbFilTiffs.size();
+    mView.SetPanel(3,
+                   mSearchOn ? QStringLiteral("%1 of %2 Files").arg(found).arg(names.size())
+                             : QStringLiteral("Total Images = %1").arg(found));
+    if (found == 0) {
+        return;
+    }
+    mSession.gImageListIndex = 0;
+    if (mode == kThumbnailMode) {
+        mView.MarkCellSelected(0);
+    } else if (mode == kListMode) {
+        mView.SelectRow(0);
+    }
+    const QString first = mSession.lbFilTiffs.first();
+    mView.ShowFile(first);
+    mSession.gsFileName = first;
+}
+
+bool FolderScan::EscPressed(const QString& message)
+{
+    if (!mPlatform.loop.PollEsc()) {
+        return false;
+    }
+    mPlatform.dialogs.Box(message, mSession.gsAppTitle);
+    // The press that closes the box is used up by it.
+    mPlatform.loop.ForgetEsc();
+    return true;
+}
+
+bool FolderScan::ScanList(const QStringList& names)
+{
+    mView.ClearRows(mSession.gsFileKeyword);
+    if (!CollectFiles(names)) {
+        return false;
+    }
+    if (mSession.lbFilTiffs.isEmpty()) {
+        return true;
+    }
+    mView.ShowProgress(ProgressMaximum(mSession.lbFilTiffs.size()));
+    // Esc ends the loop and keeps the rows so far.
+    if (AddRows()) {
+        FillTags();
+    }
+    mView.FinishRows();
+    mView.HideProgress();
+    return mPlatform.loop.Newest() == mGeneration;
+}
+
+bool FolderScan::CollectFiles(const QStringList& names)
+{
+    mSession.lbFilTiffs.reserve(names.size());
+    for (const QString& name : names) {
+        const QString candidate = JoinAsIs(mSession.gsPath, name);
+        if (EscPressed(kCollectCanceled)) {
+            mView.HideProgress();
+            return mPlatform.loop.Newest() == mGeneration;
+        }
+        const bool kept = !mSearchOn || (IsImageFile(candidate) == kTrue && mSearchTest(candidate));
+        if (kept) {
+            mSession.lbFilTiffs.append(candidate);
+        }
+        if (!mPlatform.loop.Yield(mGeneration)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool FolderScan::AddRows()
+{
+    for (int i = 0; i < mSession.lbFilTiffs.size(); ++i) {
+        mView.SetProgress(i);
+        if (EscPressed(kScanCanceled)) {
+            return false;
+        }
+        const QString path = mSession.lbFilTiffs.at(i);
+        const FileStat stat = StatPath(path);
+        mSession.gCurrentItem = i;
+        mView.AddRow({path, stat.size, stat.type == FileType::Missing ? -1 : stat.modifiedSeconds});
+        if (!mPlatform.loop.Yield(mGeneration)) {
+            return false;
+        }
+    }
+    mView.FinishRows();
+    return true;
+}
+
+bool FolderScan::FillTags()
+{
+    TagColumns columns(mSession.lbFilTiffs, mSession.gsFileKeyword);
+    while (!columns.AtEnd()) {
+        if (EscPressed(kScanCanceled)) {
+            return false;
+        }
+        if (const std::optional<TagColumns::Row> row = columns.Next()) {
+            mView.SetProgress(row->index);
+            mSession.gCurrentItem = row->index;
+            mView.SetRowTags(row->index, row->tags);
+        }
+        if (!mPlatform.loop.Yield(mGeneration)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool FolderScan::ScanThumbnails(int count, const FolderListing& listing)
+{
+    mView.ShowProgress(ProgressMaximum(count));
+    mSession.gImagesAdded = 0;
+    mSession.gFilesSeen = 0;
+    mView.ClearGrid(mSession.gThumbnailWidth, mSession.gThumbnailHeight);
+    mScanner.ThumbHeight = mSession.gThumbnailHeight;
+    mScanner.ThumbWidth = mSession.gThumbnailWidth;
+
+    QStringList masks;
+    for (qint32 p = 0; p <= LastPatternIndex(mSession.gsFilter); ++p) {
+        masks.append(GetField(mSession.gsFilter, qint16(p), QStringLiteral(";")));
+    }
+    mScanner.Prepare(listing, masks);
+    for (int p = 0; p < masks.size(); ++p) {
+        // Esc ends the walk of one pattern; the patterns behind it are still begun.
+        if (!mScanner.Browse(p, mGeneration,
+                             [this](const ScannedFile& file) { return ThumbnailEvent(file); })) {
+            return false;
+        }
+    }
+    mView.FinishGrid();
+
+    // Entry i and cell i are the same file; a name directly in the folder is joined to gsPath.
+    const QString folder = listing.Folder();
+    mSession.lbFilTiffs.clear();
+    mSession.lbFilTiffs.reserve(mView.CellCount());
+    const bool sameText = folder == mSession.gsPath;
+    for (int cell = 0; cell < mView.CellCount(); ++cell) {
+        const QString path = mView.CellPath(cell);
+        const bool direct = FolderOf(path) == folder;
+        mSession.lbFilTiffs.append(sameText || !direct ? path
+                                                       : JoinAsIs(mSession.gsPath, LeafName(path)));
+    }
+    mView.HideProgress();
+    if (mView.CellCount() > 0) {
+        mView.MakeCellCurrent(0);
+    }
+    return true;
+}
+
+void FolderScan::CountFile()
+{
+    ++mSession.gFilesSeen;
+    ++mSession.gImagesAdded;
+}
+
+bool FolderScan::ThumbnailEvent(const ScannedFile& file)
+{
+    if (EscPressed(kScanCanceled)) {
+        mSession.gBrowseCanceled = true;
+    }
+    if (file.status != kScanIgnored) {
+        AddCellOf(file);
+    }
+    return !mSession.gBrowseCanceled;
+}
+
+void FolderScan::AddCellOf(const ScannedFile& file)
+{
+    if (mSearchOn) {
+        if (IsImageFile(file.path) != kTrue) {
+            return;
+        }
+        if (!mSearchTest(file.path)) {
+            ++mSession.gFilesSeen;
+            mView.SetProgress(mSession.gFilesSeen);
+            return;
+        }
+    }
+    const bool album = IsAlbumFile(file.path) == kTrue;
+    if ((album || IsPrintSetFile(file.path) == kTrue) && file.status >= kScanKnownOther) {
+        mView.AddStockCell(file.path, album ? StockPicture::Album : StockPicture::PrintSetting);
+        mSession.lbFilTiffs.append(file.path);
+        CountFile();
+        return;
+    }
+    if (file.status != kScanGood) {
+        return;
+    }
+    mView.AddCell(file.path, file.facts);
+    mSession.lbFilTiffs.append(file.path);
+    mView.SetProgress(mSession.gFilesSeen);
+    CountFile();
+}
+
+} // namespace quillane

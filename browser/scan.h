@@ -1,0 +1,58 @@
+#pragma once
+#include "browser/scan_view.h"
+#include "core/session.h"
+#include "imaging/thumbs/thumbnail_scanner.h"
+#include "platform/platform.h"
+#include <functional>
+#include <optional>
+
+namespace quillane {
+
+/// Turns gsPath into the contents of the browser: lbFilTiffs, the visible view, the status
+/// panels and a first selected file. Runs on the window thread and keeps its loop alive.
+class FolderScan {
+public:
+    /// Whether a file meets the search; asked only while search is on.
+    using SearchTest = std::function<bool(const QString& path)>;
+
+    FolderScan(Session& session, Platform platform, ScanView& view);
+
+    /// The scanner's switch, from the store.
+    void SetIncludeSubDirectories(bool on) { mScanner.IncludeSubDirectories = on; }
+    bool IncludeSubDirectories() const { return mScanner.IncludeSubDirectories; }
+    void SetSearchOn(bool on) { mSearchOn = on; }
+    bool SearchOn() const { return mSearchOn; }
+    void SetSearchTest(SearchTest test) { mSearchTest = std::move(test); }
+
+    /// Scans gsPath: mode 1 fills the grid, mode 0 the list, any other only the panels. Asked
+    /// for while a scan runs, it notes the request and returns: the running scan ends at once,
+    /// without its last steps, and the newest request is scanned in its place.
+    void BrowseImages(int mode);
+    bool IsScanning() const { return mScanning; }
+    /// Ends a running scan; nothing is scanned in its place.
+    void Abandon();
+
+private:
+    void ScanOnce(int mode);
+    bool ScanList(const QStringList& names);
+    bool CollectFiles(const QStringList& names);
+    bool AddRows();
+    bool FillTags();
+    bool ScanThumbnails(int count, const FolderListing& listing);
+    bool ThumbnailEvent(const ScannedFile& file);
+    void CountFile();
+    void AddCellOf(const ScannedFile& file);
+    bool EscPressed(const QString& message);
+
+    Session& mSession;
+    Platform mPlatform;
+    ScanView& mView;
+    ThumbnailScanner mScanner;
+    SearchTest mSearchTest;
+    bool mSearchOn = false;
+    bool mScanning = false;
+    std::optional<int> mRequested;
+    Generation mGeneration = 0;
+};
+
+} // namespace quillane

@@ -1,0 +1,184 @@
+// Startup, shutdown, settings.
+#include "browser/ui/frmBrowserMain.h"
+
+#include "browser/about_text.h"
+#include "browser/filter.h"
+#include "core/paths.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMenuBar>
+#include <QScreen>
+#include <QStatusBar>
+
+namespace quillane {
+
+namespace {
+
+constexpr int kPreferredWidth = 1180; // pixels
+constexpr int kPreferredHeight = 780;
+constexpr int kLeastWidth = 640;
+constexpr int kLeastHeight = 440;
+constexpr int kWelcomePicture = 12;
+
+} // namespace
+
+frmBrowserMain::frmBrowserMain(Session& session, SettingsStore& store, Platform platform,
+                               WindowRegistry& windows)
+    : mSession(session),
+      mStore(store),
+      mPlatform(platform),
+      mWindows(windows),
+      mMenus(menuBar(), this),
+      mPanels(statusBar()),
+      mToolBar(nullptr),
+      mDirPath(nullptr),
+      mProgress(nullptr),
+      mClient(nullptr),
+      mLeftPane(nullptr),
+      mBar(nullptr),
+      mTree(nullptr),
+      mPreview(nullptr),
+      mViews(nullptr),
+      mSplitter(platform.dialogs),
+      mScan(session, platform, *this)
+{
+    setObjectName(QStringLiteral("frmBrowserMain"));
+    setWindowIcon(QIcon(QStringLiteral(":/icons/quillane.svg")));
+    setMinimumSize(kLeastWidth, kLeastHeight);
+    statusBar()->setObjectName(QStringLiteral("StatusBar1"));
+    BuildToolBar();
+    BuildPanes();
+    ConnectMenus();
+    ConnectViews();
+    ConnectKeys();
+}
+
+frmBrowserMain::~frmBrowserMain()
+{
+    mScan.Abandon();
+}
+
+void frmBrowserMain::Load()
+{
+    const Hourglass busy(mPlatform.loop);
+    LoadSettings();
+    InitBrowserDefaults();
+    ArrangeMainWindow();
+    setWindowTitle(MainCaption(mSession.gsAppTitle, mSession.gsSiteName));
+
+    mSplitter.SetControls(mClient, mLeftPane, mViews, mBar);
+    mSplitter.SetLeft(mLeftPane->width());
+    mSplitter.SetTrackSplit(kTrue);
+
+    mPreview->ShowBanner(mSession.gsAppTitle, kWelcomePicture);
+    SetImageTool(mSession.gsImageTool);
+    show();
+    // The window is on the screen before the first folder is read.
+    mPlatform.loop.ProcessEvents();
+
+    if (mMenus.IsChecked(QStringLiteral("mnuMainViewTileBoxTileImage"))) {
+        mViews->ShowView(-1);
+    } else {
+        mViews->ShowView(mSettings.lvSelectedView);
+    }
+    mTree->Select(mSession.gsPath.isEmpty() ? mPlatform.places.Pictures() : mSession.gsPath);
+}
+
+void frmBrowserMain::InitBrowserDefaults()
+{
+    mSession.gsFileName.clear();
+    mSession.gsFilter = QString::fromUtf16(kBrowseMask);
+    mSession.gsCrLf = QStringLiteral("\r\n");
+    mSession.gsTab = QStringLiteral("\t");
+    mSession.gsSiteName = SiteName();
+    mSession.gsAppTitle = QStringLiteral("Quillane");
+}
+
+void frmBrowserMain::LoadSettings()
+{
+    const SettingFallbacks fallbacks{mPlatform.places.Home(), mPlatform.places.Programs()};
+    LoadGlobals(mStore, mSession, fallbacks);
+    mSettings = LoadMainWindowSettings(mStore);
+    mSlots.Load(mStore);
+    mHistory.Load(mStore);
+
+    mScan.SetIncludeSubDirectories(mSettings.includeSubDirectories);
+    mViews->List()->SetSorted(mSettings.lvSelectedSorted);
+    mViews->List()->SetGridLines(mSettings.lvSelectedGridLines);
+    for (const ViewEntry& view : ViewEntries()) {
+        const bool checked =
+            mSettings.thumbnailsChecked ? view.style < 0 : view.style == mSettings.lvSelectedView;
+        mMenus.SetChecked(QLatin1String(view.name), checked);
+    }
+    mDirPath->clear();
+    mDirPath->addItems(mHistory.Entries());
+    mDirPath->setCurrentIndex(-1);
+    ApplyCustomTools();
+}
+
+void frmBrowserMain::SaveSettings()
+{
+    mSettings.thumbnailsChecked = mMenus.IsChecked(QStringLiteral("mnuMainViewTileBoxTileImage"));
+    mSettings.largeIconsChecked =
+        mMenus.IsChecked(QStringLiteral("mnuMainViewTileBoxTileFilename"));
+    mSettings.searchOnChecked = SearchOn();
+    mSettings.includeSubDirectories = mScan.IncludeSubDirectories();
+    mSettings.lvSelectedView = mViews->List()->Style();
+    mSettings.lvSelectedSorted = mViews->List()->Sorted();
+    mSettings.lvSelectedGridLines = mViews->List()->GridLines();
+    mSettings.top = float(frameGeometry().top() * kTwipsPerPixel);
+    mSettings.left = float(frameGeometry().left() * kTwipsPerPixel);
+
+    SaveGlobals(mStore, mSession);
+    SaveMainWindowSettings(mStore, mSettings);
+    mSlots.Save(mStore);
+    mHistory.Save(mStore);
+    mStore.Flush();
+}
+
+void frmBrowserMain::ArrangeMainWindow()
+{
+    const QScreen* onScreen = screen();
+    const QRect available = onScreen->availableGeometry();
+    const QRect wanted(int(mSettings.left / kTwipsPerPixel), int(mSettings.top / kTwipsPerPixel),
+                       kPreferredWidth, kPreferredHeight);
+    const QRect fitted = FitToScreen(wanted, available.size());
+    resize(fitted.size());
+    move(fitted.topLeft() + available.topLeft());
+    ArrangeLeftPane();
+    SetSearchOn(false);
+}
+
+bool frmBrowserMain::SearchOn() const
+{
+    return mMenus.IsChecked(QStringLiteral("mnuSearchOn"));
+}
+
+void frmBrowserMain::SetSearchOn(bool on)
+{
+    mMenus.SetChecked(QStringLiteral("mnuSearchOn"), on);
+    mSession.gSearchActive = on;
+    mScan.SetSearchOn(on);
+}
+
+void frmBrowserMain::Exit()
+{
+    SaveSettings();
+    close();
+}
+
+void frmBrowserMain::closeEvent(QCloseEvent* event)
+{
+    if (!mClosing) {
+        mClosing = true;
+        SaveSettings();
+        // The program ends at once: a scan that runs stops, other windows are not asked.
+        mScan.Abandon();
+        mLoader.Cancel();
+        QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+    }
+    event->accept();
+}
+
+} // namespace quillane

@@ -1,0 +1,438 @@
+// Commands of the main window: menus, tool bar, views, keys.
+#include "browser/ui/frmBrowserMain.h"
+
+#include "browser/about_text.h"
+#include "browser/enabling.h"
+#include "browser/open_road.h"
+#include "browser/tree_node.h"
+#include "browser/ui/frmBrowserAbout.h"
+#include "core/file_kinds.h"
+#include "core/paths.h"
+#include "platform/ui/command_connector.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QShortcut>
+#include <QUrl>
+
+namespace quillane {
+
+void frmBrowserMain::Command(const char* name, const std::function<void()>& command)
+{
+    QAction* action = mMenus.Action(QLatin1String(name));
+    ConnectCommand(action, &QAction::triggered, this, mPlatform.dialogs, command);
+}
+
+void frmBrowserMain::ConnectMenus()
+{
+    Command("nnuNewFolder", [this] { mTree->NewFolder(true); });
+    Command("mnuMainFileOpen", [this] { OpenImage(); });
+    Command("mnuClearFileHistory", [this] { ClearHistory(); });
+    Command("mnuMainFIleExit", [this] { Exit(); });
+    Command("mnuShowAll",
+            [this] { mTree->SetShowFiles(mMenus.IsChecked(QStringLiteral("mnuShowAll"))); });
+    Command("mnuRefreshTree", [this] { mTree->Refresh(); });
+    Command("mnuRefresh", [this] { RefreshFiles(); });
+    for (const ViewEntry& view : ViewEntries()) {
+        Command(view.name, [this, &view] { ChooseView(view); });
+    }
+    for (const ToolRow& tool : ImageTools()) {
+        Command(tool.menu, [this, &tool] { SetImageTool(tool.number); });
+        Command(tool.popup, [this, &tool] {
+            ImageTool(tool.number);
+            if (mViews->ThumbnailsShown()) {
+                UpdateImageInImageList();
+            }
+        });
+    }
+    for (int i = 0; i < kCustomSlots; ++i) {
+        const QByteArray name = "mnuCustomApp" + QByteArray::number(i + 1);
+        Command(name.constData(), [this, i] { RunCustomSlot(mSlots.Application(i)); });
+    }
+    Command("mnuPopSelect", [this] { mViews->Grid()->SelectAll(); });
+    Command("mnuPopAdd", [this] { AddSelectedToAlbum(); });
+    Command("mnuHelpContents", [this] { SystemOpen(mPlatform.places.HelpFile()); });
+    const std::pair<const char*, QString> pages[] = {{"mnuTechSupport", SupportPage()},
+                                                     {"mnuOnlineTutorial", TutorialPage()},
+                                                     {"mnuQuillaneWeb", MakerSite()}};
+    for (const auto& [name, address] : pages) {
+        Command(name, [this, page = address] {
+            ResumeNext([&] { mPlatform.launcher.OpenAddress(page); });
+        });
+    }
+    Command("mnuHelpAbout", [this] { ShowAbout(); });
+
+    connect(mMenus.Menu(QStringLiteral("mnuMainFile")), &QMenu::aboutToShow, this,
+            &frmBrowserMain::UpdateFileMenu);
+    connect(mMenus.Popup(), &QMenu::aboutToShow, this, &frmBrowserMain::UpdatePopup);
+    if (QAction* capture = findChild<QAction*>(QStringLiteral("Toolbar1_7"))) {
+        // A program of its own, which may stand beside this one.
+        capture->setEnabled(
+            FileExists(mPlatform.places.ApplicationFolder() + QStringLiteral("VideoCapture"))
+            == kTrue);
+        if (!capture->isEnabled()) {
+            capture->setToolTip(capture->toolTip() + u'\n'
+                                + tr("The program VideoCapture is not installed."));
+        }
+    }
+}
+
+void frmBrowserMain::ConnectViews()
+{
+    ConnectCommand(mTree, &FolderTree::nodeSelected, this, mPlatform.dialogs,
+                   [this](const QString& name, const QString& path) { NodeSelected(name, path); });
+    ConnectCommand(
+        mTree, &FolderTree::nodeDoubleClicked, this, mPlatform.dialogs, [this](const QString&) {
+            if (mMenus.IsChecked(QStringLiteral("mnuShowAll")) && LooksLikeFile(mSession.gsPath)) {
+                mSession.gsFileName = mSession.gsPath;
+                ImageTool(mSession.gsImageTool);
+            }
+        });
+    ConnectCommand(mViews, &FolderViews::Picked, this, mPlatform.dialogs,
+                   [this](int position) { PickFile(position); });
+    ConnectCommand(mViews, &FolderViews::Activated, this, mPlatform.dialogs, [this](int position) {
+        PickFile(position);
+        OpenCurrent();
+    });
+    ConnectCommand(mViews, &FolderViews::EnterPressed, this, mPlatform.dialogs,
+                   [this](int) { ImageTool(mSession.gsImageTool); });
+    ConnectCommand(mViews, &FolderViews::PopupWanted, this, mPlatform.dialogs,
+                   [this](int position, const QPoint& at) {
+                       if (position >= 0) {
+                           PickFile(position);
+                       }
+                       UpdatePopup();
+                       mMenus.Popup()->popup(at);
+                   });
+    ConnectCommand(mViews, &FolderViews::RefreshWanted, this, mPlatform.dialogs,
+                   [this] { RefreshFiles(); });
+    ConnectCommand(mViews, &FolderViews::Reordered, this, mPlatform.dialogs,
+                   [this](const QVector<int>& order) {
+                       QList<QString> paths;
+                       paths.reserve(order.size());
+                       for (const int from : order) {
+                           paths.append(mSession.lbFilTiffs.value(from));
+                       }
+                       mSession.lbFilTiffs = paths;
+                       mSession.gImageListIndex = qint32(paths.indexOf(mSession.gsFileName));
+                   });
+    connect(&mLoader, &PreviewLoader::FactsReady, this, &frmBrowserMain::ShowFactsOf);
+    connect(&mLoader, &PreviewLoader::PictureReady, this, &frmBrowserMain::ShowPictureOf);
+    mPlatform.watch.OnChange([this] { mViews->ShowChanged(true); });
+
+    ConnectCommand(mDirPath, &QComboBox::activated, this, mPlatform.dialogs,
+                   [this](int index) { GoTo(mDirPath->itemText(index)); });
+    ConnectCommand(mDirPath->lineEdit(), &QLineEdit::returnPressed, this, mPlatform.dialogs,
+                   [this] { GoTo(mDirPath->currentText()); });
+}
+
+void frmBrowserMain::ConnectKeys()
+{
+    const auto key = [this](const QKeySequence& sequence, auto&& command) {
+        auto* shortcut = new QShortcut(sequence, this);
+        ConnectCommand(shortcut, &QShortcut::activated, this, mPlatform.dialogs, command);
+    };
+    key(QKeySequence(Qt::ALT | Qt::Key_Left), [this] {
+        if (const QString folder = mTrail.Back(); !folder.isEmpty()) {
+            mTree->Select(folder);
+        }
+    });
+    key(QKeySequence(Qt::ALT | Qt::Key_Right), [this] {
+        if (const QString folder = mTrail.Forward(); !folder.isEmpty()) {
+            mTree->Select(folder);
+        }
+    });
+    key(QKeySequence(Qt::ALT | Qt::Key_Up), [this] {
+        const QString parent = FolderOf(WithoutSeparator(mSession.gsPath));
+        if (!parent.isEmpty()) {
+            mTree->Select(parent);
+        }
+    });
+    auto* selectAll = new QShortcut(QKeySequence::SelectAll, mViews);
+    selectAll->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(selectAll, &QShortcut::activated, mViews, &FolderViews::SelectAllVisible);
+    auto* copy = new QShortcut(QKeySequence::Copy, mViews);
+    copy->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(copy, &QShortcut::activated, this, &frmBrowserMain::CopyFileList);
+    key(QKeySequence(Qt::CTRL | Qt::Key_D), [this] { mDirPath->setFocus(); });
+}
+
+void frmBrowserMain::Tool(int index)
+{
+    switch (index) {
+    case 1:
+        ImageTool(mSession.gsImageTool);
+        break;
+    case 2:
+        ResumeNext([&] { mPlatform.launcher.FindIn(mSession.gsPath); });
+        break;
+    case 7:
+        ResumeNext([&] {
+            mPlatform.launcher.Run(
+                mPlatform.places.ApplicationFolder() + QStringLiteral("VideoCapture"), {});
+        });
+        break;
+    default:
+        break;
+    }
+}
+
+void frmBrowserMain::UpdateFileMenu()
+{
+    const bool any = FileEntriesEnabled(mSession);
+    for (const char* name : {"mnuEmailImages", "mnuDelete", "mnuCopy", "mnuMove", "mnuRename",
+                             "mnuMainFilePageSetup"}) {
+        mMenus.SetEnabled(QLatin1String(name), any);
+    }
+}
+
+void frmBrowserMain::UpdatePopup()
+{
+    const PopupRules rules = UpdatePopupMenu(mSession);
+    mMenus.SetEnabled(QStringLiteral("mnuPopSetWallpaper"), rules.setWallpaper);
+    mMenus.SetEnabled(QStringLiteral("mnuPopEditTags"), rules.editTags);
+    mMenus.SetEnabled(QStringLiteral("mnuPopShow"), rules.showAlbum);
+}
+
+void frmBrowserMain::ApplyCustomTools()
+{
+    const auto apply = [this](const QString& name, const SlotMenuState& state) {
+        QAction* action = mMenus.Action(name);
+        action->setVisible(state.visible);
+        action->setEnabled(state.enabled);
+        if (state.visible) {
+            action->setText(state.caption);
+        }
+    };
+    const SlotMenuStates states = quillane::ApplyCustomTools(mSlots);
+    for (int i = 0; i < kCustomSlots; ++i) {
+        const QString number = QString::number(i + 1);
+        apply(QStringLiteral("mnuCustomTool") + number, states.tools[size_t(i)]);
+        apply(QStringLiteral("mnuPopCustomTool") + number, states.tools[size_t(i)]);
+        apply(QStringLiteral("mnuCustomApp") + number, states.applications[size_t(i)]);
+    }
+}
+
+void frmBrowserMain::SetImageTool(qint32 tool)
+{
+    mSession.gsImageTool = tool;
+    for (const ToolRow& row : ImageTools()) {
+        mMenus.SetChecked(QLatin1String(row.menu), row.number == tool);
+    }
+}
+
+void frmBrowserMain::ImageTool(qint32 tool)
+{
+    if (tool == kSystemTool) {
+        SystemOpen(mSession.gsFileName);
+        return;
+    }
+    if (tool >= kFirstCustomTool && tool <= kLastCustomTool) {
+        RunCustomSlot(mSlots.Tool(tool - kFirstCustomTool));
+        return;
+    }
+    for (const ToolRow& row : ImageTools()) {
+        if (row.number == tool && row.window) {
+            if (QObject* window = mWindows.Get(QLatin1String(row.window))) {
+                QMetaObject::invokeMethod(window, "show");
+            } else {
+                Tell(NotYetTip(QString::fromUtf16(row.caption)));
+            }
+        }
+    }
+}
+
+void frmBrowserMain::RunCustomSlot(const CustomSlot& slot)
+{
+    // The file goes over unquoted, so that a path with a blank arrives as two parameters.
+    ResumeNext([&] {
+        mPlatform.launcher.Run(slot.path, mSession.gsFileName.split(u' ', Qt::SkipEmptyParts),
+                               mSession.gsPath);
+    });
+}
+
+void frmBrowserMain::SystemOpen(const QString& path)
+{
+    // What the system makes of the file, or that nothing opens it, is its own matter.
+    ResumeNext([&] { mPlatform.launcher.OpenPath(path); });
+}
+
+void frmBrowserMain::OpenImage()
+{
+    // A dialog that is cancelled ends the command, and so does any other failure.
+    ResumeNext([&] {
+        FileDialogSpec spec;
+        spec.title = QStringLiteral("Open File");
+        spec.folder = mSession.gsPath;
+        mSession.gsFileName = mPlatform.dialogs.File(spec);
+        ImageTool(mSession.gsImageTool);
+    });
+}
+
+void frmBrowserMain::ShowAbout()
+{
+    frmBrowserAbout about(mSession.gsAppTitle, mPlatform.launcher, this);
+    about.exec();
+}
+
+void frmBrowserMain::ClearHistory()
+{
+    mHistory.Clear();
+    for (int i = 0; i < mDirPath->count(); ++i) {
+        mDirPath->setItemText(i, {});
+    }
+}
+
+void frmBrowserMain::AddSelectedToAlbum()
+{
+    for (const QString& path : mViews->SelectedPaths()) {
+        if (!mSession.lbExportList.contains(path)) {
+            mSession.lbExportList.append(path);
+        }
+    }
+}
+
+QVector<bool> frmBrowserMain::SelectedFlags() const
+{
+    return mViews->SelectedFlags();
+}
+
+int frmBrowserMain::ViewMode() const
+{
+    return mMenus.IsChecked(QStringLiteral("mnuMainViewTileBoxTileImage")) ? kThumbnailMode
+                                                                           : kListMode;
+}
+
+void frmBrowserMain::RefreshFiles()
+{
+    const Hourglass busy(mPlatform.loop);
+    BrowseImages(ViewMode());
+}
+
+void frmBrowserMain::BrowseImages(int mode)
+{
+    mViews->ShowChanged(false);
+    mPlatform.watch.Watch(mSession.gsPath);
+    mScan.BrowseImages(mode);
+}
+
+void frmBrowserMain::ShowFiles(const QVector<QString>& paths)
+{
+    mScan.Abandon();
+    mSession.lbFilTiffs = paths;
+    if (mViews->ThumbnailsShown()) {
+        mViews->ClearGrid(mSession.gThumbnailWidth, mSession.gThumbnailHeight);
+        for (const QString& path : paths) {
+            mViews->AddCell(path, {});
+        }
+        mViews->FinishGrid();
+        return;
+    }
+    mViews->ClearRows(mSession.gsFileKeyword);
+    for (const QString& path : paths) {
+        const FileStat stat = StatPath(path);
+        mViews->AddRow({path, stat.size, stat.modifiedSeconds});
+    }
+    mViews->FinishRows();
+}
+
+void frmBrowserMain::ChooseView(const ViewEntry& view)
+{
+    const Hourglass busy(mPlatform.loop);
+    for (const ViewEntry& other : ViewEntries()) {
+        mMenus.SetChecked(QLatin1String(other.name), &other == &view);
+    }
+    mViews->ShowView(view.style);
+    BrowseImages(view.scanMode);
+}
+
+void frmBrowserMain::PickFile(int position)
+{
+    mSession.gImageListIndex = position;
+    if (position < 0 || position >= mSession.lbFilTiffs.size()) {
+        return;
+    }
+    const QString path = mSession.lbFilTiffs.at(position);
+    mSession.gsFileName = path;
+    ShowFile(path);
+}
+
+void frmBrowserMain::OpenCurrent()
+{
+    switch (RoadFor(mSession.gsFileName, mSession.gsVideoTool)) {
+    case OpenRoad::Album:
+        Tell(NotYetTip(tr("Photo Album")));
+        break;
+    case OpenRoad::OwnPlayer:
+        Tell(NotYetTip(tr("Media Player")));
+        break;
+    case OpenRoad::SystemOpen:
+        SystemOpen(mSession.gsFileName);
+        break;
+    case OpenRoad::PrintSettings:
+        Tell(NotYetTip(tr("Print")));
+        break;
+    case OpenRoad::Tool:
+        ImageTool(mSession.gsImageTool);
+        if (mViews->ThumbnailsShown()) {
+            UpdateImageInImageList();
+        } else {
+            ShowFile(mSession.gsFileName);
+        }
+        break;
+    }
+}
+
+void frmBrowserMain::CopyFileList()
+{
+    const QStringList paths = mViews->SelectedPaths();
+    if (!paths.isEmpty()) {
+        QApplication::clipboard()->setMimeData(FileListMimeData(paths));
+    }
+}
+
+void frmBrowserMain::GoTo(const QString& folder)
+{
+    mSession.gsPath = folder;
+    mTree->Select(folder);
+}
+
+void frmBrowserMain::RecordHistory(const QString& folder)
+{
+    const int selected = mDirPath->currentIndex();
+    mDirPath->setEditText(folder);
+    const int at = mHistory.Record(folder, selected);
+    if (at >= 0) {
+        mDirPath->insertItem(at, folder);
+        mDirPath->setCurrentIndex(selected < 0 ? -1 : selected);
+        mDirPath->setEditText(folder);
+    }
+    mTrail.Visit(folder);
+}
+
+void frmBrowserMain::NodeSelected(const QString& name, const QString& path)
+{
+    constexpr int kFolderPicture = 16;
+    const Hourglass busy(mPlatform.loop);
+    mLoader.Cancel();
+    mPreview->ShowBanner(LeafName(name), kFolderPicture);
+    const bool showAll = mMenus.IsChecked(QStringLiteral("mnuShowAll"));
+    const TreeNodeChoice choice = ChooseTreeNode(path, showAll);
+    mSession.gsPath = choice.path;
+    ResumeNext([&] {
+        RecordHistory(choice.path);
+        if (choice.isFile) {
+            SetPanel(4, QStringLiteral("File: ") + choice.path);
+            mSession.gsFileName = choice.path;
+            ShowFile(choice.path);
+        } else {
+            SetPanel(4, choice.path);
+            BrowseImages(ViewMode());
+        }
+    });
+    HideProgress();
+}
+
+} // namespace quillane
