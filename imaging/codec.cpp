@@ -10,8 +10,13 @@ namespace {
 constexpr Codec kCodecTable[] = {
     {"JPEG", "JPG JPEG JPE JFIF", codecs::JpegMatches, codecs::JpegProbe, codecs::JpegDecode,
      false},
+    {"PNG", "PNG", codecs::PngMatches, codecs::PngProbe, codecs::PngDecode, false},
+    {"GIF", "GIF", codecs::GifMatches, codecs::GifProbe, codecs::GifDecode, false},
     {"DICOM", "DIC DCM", codecs::DicomMatches, nullptr, nullptr, true},
     {"TIFF", "TIF TIFF", codecs::TiffMatches, nullptr, nullptr, true},
+    {"BMP", "BMP DIB RLE", codecs::BmpMatches, codecs::BmpProbe, codecs::BmpDecode, false},
+    {"ICO", "ICO CUR", codecs::IcoMatches, codecs::IcoProbe, codecs::IcoDecode, false},
+    {"PNM", "PBM PGM PPM PNM", codecs::PnmMatches, codecs::PnmProbe, codecs::PnmDecode, false},
 };
 
 } // namespace

@@ -34,6 +34,72 @@ Bitmap ResizeMixable(const Bitmap& from)
     return from;
 }
 
+template <typename Pixel> void ResizeNearest(const QImage& from, QImage& to)
+{
+    const qint64 across = from.width();
+    const qint64 down = from.height();
+    for (qint64 y = 0; y < to.height(); ++y) {
+        const int row = int((2 * y + 1) * down / (2 * to.height()));
+        const Pixel* in = reinterpret_cast<const Pixel*>(from.constScanLine(row));
+        Pixel* out = reinterpret_cast<Pixel*>(to.scanLine(int(y)));
+        for (qint64 x = 0; x < to.width(); ++x) {
+            out[x] = in[(2 * x + 1) * across / (2 * to.width())];
+        }
+    }
+}
+
+/// The nearest pixel of each place, whatever the layout.
+QImage ResizePlainly(const QImage& from, QSize size)
+{
+    if (from.depth() == 1) {
+        QImage wide = from.convertToFormat(QImage::Format_Indexed8);
+        return ResizePlainly(wide, size).convertToFormat(QImage::Format_Mono, wide.colorTable());
+    }
+    QImage to(size, from.format());
+    if (to.isNull()) {
+        return to;
+    }
+    to.setColorTable(from.colorTable());
+    switch (from.depth()) {
+    case 8:
+        ResizeNearest<quint8>(from, to);
+        break;
+    case 16:
+        ResizeNearest<quint16>(from, to);
+        break;
+    case 64:
+        ResizeNearest<quint64>(from, to);
+        break;
+    default:
+        ResizeNearest<quint32>(from, to);
+        break;
+    }
+    return to;
+}
+
+/// Mixed by Qt in a layout that it mixes without loss, then brought back.
+QImage ResizeSmoothly(const Bitmap& from, QSize size)
+{
+    const QImage::Format layout = from.Pixels().format();
+    QImage pixels = from.Pixels();
+    const auto scaled = [&] {
+        return pixels.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    };
+    if (from.Model() == ColourModel::Cmyk) {
+        // Four bytes that are mixed each for itself: the same as a picture with its alpha in.
+        pixels.reinterpretAsFormat(QImage::Format_ARGB32_Premultiplied);
+        QImage mixed = scaled();
+        mixed.reinterpretAsFormat(layout);
+        return mixed;
+    }
+    if (layout == QImage::Format_Grayscale16) {
+        pixels.convertTo(QImage::Format_RGBX64);
+    } else if (layout == QImage::Format_RGBA64) {
+        pixels.convertTo(QImage::Format_RGBA64_Premultiplied);
+    }
+    return scaled().convertToFormat(layout);
+}
+
 } // namespace
 
 Bitmap Resized(const Bitmap& bitmap, QSize size, bool smooth)
@@ -50,13 +116,9 @@ Bitmap Resized(const Bitmap& bitmap, QSize size, bool smooth)
                           .arg(size.height()));
     }
     const Bitmap from = smooth ? ResizeMixable(bitmap) : bitmap;
-    const QImage::Format layout = from.Pixels().format();
-    QImage scaled = from.Pixels().scaled(
-        size, Qt::IgnoreAspectRatio, smooth ? Qt::SmoothTransformation : Qt::FastTransformation);
-    if (scaled.format() != layout) {
-        scaled = scaled.convertToFormat(layout);
-    }
-    return ResizeWith(from, std::move(scaled), from.Model());
+    return ResizeWith(from,
+                      smooth ? ResizeSmoothly(from, size) : ResizePlainly(from.Pixels(), size),
+                      from.Model());
 }
 
 Bitmap AtDepth(const Bitmap& bitmap, qint32 bits)
