@@ -19,6 +19,8 @@ function(quillane_worker_program target)
   target_link_libraries(${target} PRIVATE quillane_options quillane_worker)
   target_link_options(${target} PRIVATE -Wl,--as-needed)
 endfunction()
+# imaging/ itself must not be searched: its limits.h would be taken for the system's.
+set_property(TARGET quillane-codec PROPERTY INCLUDE_DIRECTORIES)
 quillane_worker_program(quillane-codec)
 
 if(QUILLANE_TESTS)

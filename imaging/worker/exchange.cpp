@@ -48,6 +48,7 @@ void Exchange::Slow()
 
 void Exchange::Lied()
 {
+    mHealthy = false;
     throw Failure(kFailureWorker,
                   QStringLiteral("The %1 decoder gave an answer that makes no sense for this "
                                  "file.")
