@@ -38,12 +38,18 @@ void WorkerPool::WarmUp()
         return;
     }
     ++mTaken;
+    mWarming = true;
     const quint64 generation = mGeneration;
     const QString program = Program();
     mTasks.emplace([this, program, generation]() -> Spawned {
         Spawned spawned;
         ResumeNext([&] { spawned = WorkerProcess::Spawn(program); });
         GiveBack(std::move(spawned), generation);
+        {
+            const std::lock_guard done(mMutex);
+            mWarming = false;
+        }
+        mPlaceFree.notify_all();
         return nullptr;
     });
     if (!mKeeper.joinable()) {
@@ -90,7 +96,7 @@ std::unique_ptr<WorkerProcess> WorkerPool::Take(const std::atomic<bool>* cancell
             if (cancelled && cancelled->load()) {
                 throw Failure(kFailureCancelled, QStringLiteral("Cancelled."));
             }
-            if (!mEnding && mTaken < mMax) {
+            if (!mEnding && !mWarming && mTaken < mMax) {
                 break;
             }
             mPlaceFree.wait_for(lock, std::chrono::milliseconds(cancelled ? 10 : 1000));

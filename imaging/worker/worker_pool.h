@@ -52,6 +52,7 @@ private:
     int mTaken = 0;
     quint64 mGeneration = 0;
     bool mEnding = false;
+    bool mWarming = false; ///< a process is being started that nobody has asked for yet
     /// Starts every process. It lives as long as they do, which threads that ask need not.
     std::thread mKeeper;
 };

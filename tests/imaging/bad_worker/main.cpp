@@ -106,6 +106,7 @@ bool DecodeSlow(ByteSource&, const PictureWish&, PictureSink& sink)
     PictureShape shape;
     shape.width = 4;
     shape.height = 4;
+    shape.fileDepth = 24;
     sink.Begin(shape);
     for (;;) {
         SendRaw(RowsMessage{{}, 0}, MessageKind::Rows);
