@@ -6,6 +6,8 @@
 #include <cmath>
 #include <cstdlib>
 #include <limits>
+#include <locale.h>
+#include <string_view>
 
 namespace quillane {
 
@@ -68,7 +70,8 @@ qsizetype NumberEnd(QStringView text, qsizetype at)
 // Infinite when the number is beyond the range of a double; 0 below its smallest.
 double ValueOf(QStringView number)
 {
-    return number.toLatin1().toDouble();
+    static const locale_t kPlain = newlocale(LC_ALL_MASK, "C", nullptr);
+    return strtod_l(number.toLatin1().constData(), nullptr, kPlain);
 }
 
 template <typename Integer> Integer RoundToWidth(double value)
@@ -87,16 +90,19 @@ struct Decimal {
     int exponent = 0;
 };
 
-Decimal ParseScientific(const char* begin, const char* end)
+// Reads "-d.ddde+xx", the form that to_chars writes.
+Decimal ParseScientific(std::string_view text)
 {
     Decimal decimal;
-    for (; begin < end && *begin != 'e'; ++begin) {
-        if (*begin == '-')
+    const size_t mark = text.find('e');
+    for (const char unit : text.substr(0, mark)) {
+        if (unit == '-')
             decimal.negative = true;
-        else if (*begin != '.')
-            decimal.digits += *begin;
+        else if (unit != '.')
+            decimal.digits += unit;
     }
-    decimal.exponent = begin < end ? std::atoi(begin + 1) : 0;
+    const std::string_view exponent = text.substr(mark + (text[mark + 1] == '+' ? 2 : 1));
+    std::from_chars(exponent.data(), exponent.data() + exponent.size(), decimal.exponent);
     while (decimal.digits.endsWith('0'))
         decimal.digits.chop(1);
     if (decimal.digits.isEmpty())
@@ -109,12 +115,12 @@ template <typename Floating> Decimal DigitsOf(Floating value, int most)
 {
     char text[64];
     auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::scientific).ptr;
-    Decimal decimal = ParseScientific(text, end);
+    Decimal decimal = ParseScientific({text, size_t(end - text)});
     if (decimal.digits.size() > most) {
         end =
             std::to_chars(text, text + sizeof text, value, std::chars_format::scientific, most - 1)
                 .ptr;
-        decimal = ParseScientific(text, end);
+        decimal = ParseScientific({text, size_t(end - text)});
     }
     return decimal;
 }

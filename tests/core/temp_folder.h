@@ -1,0 +1,60 @@
+#pragma once
+// A folder that a test fills and that goes with it. Names are bytes here, as the system has them.
+#include "core/native_path.h"
+#include <QByteArray>
+#include <QString>
+#include <QTemporaryDir>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quillane {
+
+class TempFolder {
+public:
+    /// Full path of a name, as the system's bytes.
+    QByteArray Bytes(const QByteArray& name = {}) const
+    {
+        return mFolder.path().toUtf8() + '/' + name;
+    }
+    /// Full path of a name, as text; the folder with its separator when the name is empty.
+    QString Path(const QByteArray& name = {}) const { return PathFromBytes(Bytes(name)); }
+
+    void Write(const QByteArray& name, const QByteArray& content = "x") const
+    {
+        const FileHandle file(
+            open(Bytes(name).constData(), O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, 0644));
+        ASSERT_TRUE(file.IsOpen()) << name.constData();
+        ASSERT_EQ(write(file.Fd(), content.constData(), size_t(content.size())), content.size());
+    }
+    void MakeFolder(const QByteArray& name) const
+    {
+        ASSERT_EQ(mkdir(Bytes(name).constData(), 0755), 0) << name.constData();
+    }
+    void Link(const QByteArray& target, const QByteArray& name) const
+    {
+        ASSERT_EQ(symlink(target.constData(), Bytes(name).constData()), 0) << name.constData();
+    }
+    void Chmod(const QByteArray& name, mode_t mode) const
+    {
+        ASSERT_EQ(chmod(Bytes(name).constData(), mode), 0) << name.constData();
+    }
+    QByteArray Content(const QByteArray& name) const { return ReadWholeFile(Path(name), 1 << 20); }
+    /// Names of all entries, ordered, as text.
+    QStringList Entries() const
+    {
+        QStringList names;
+        ListFolder(Path(), [&](DirEntry&& entry) {
+            names.append(entry.name);
+            return true;
+        });
+        names.sort();
+        return names;
+    }
+
+private:
+    QTemporaryDir mFolder;
+};
+
+} // namespace quillane
