@@ -23,6 +23,7 @@ struct JpegSession::Run {
     bool made = false;    ///< info has been created
     bool ended = false;   ///< the file ended before the picture
     bool starved = false; ///< the decoder has made up what the file did not give
+    bool inScans = false; ///< the picture is put together from several scans
     int rows = 0;
     JpegTrouble trouble = JpegTrouble::None;
     char words[JMSG_LENGTH_MAX] = {};
@@ -173,7 +174,7 @@ bool JpegSession::Run::DecodeSome(uchar* to, qint64 line)
     jpeg_read_scanlines(&info, targets, JDIMENSION(wanted));
     // The arithmetic decoder does not warn when it makes things up.
     starved = starved || (ended && info.arith_code);
-    if (starved && !jpeg_has_multiple_scans(&info)) {
+    if (starved && !inScans) {
         return false;
     }
     rows = int(info.output_scanline);
@@ -186,6 +187,7 @@ void JpegSession::Run::Decode(uchar* to, qint64 line)
         return;
     }
     jpeg_start_decompress(&info);
+    inScans = jpeg_has_multiple_scans(&info) != 0;
     if (starved && info.input_scan_number <= 1 && info.input_iMCU_row == 0) {
         return; // not even the first scan has begun
     }
@@ -266,7 +268,8 @@ QString JpegSession::Words() const
 
 bool JpegSession::IsPartial() const
 {
-    return mRun->starved || mRun->trouble != JpegTrouble::None;
+    // Of a picture in scans that lacks its end, scans may be missing that nothing tells of.
+    return mRun->starved || (mRun->ended && mRun->inScans) || mRun->trouble != JpegTrouble::None;
 }
 
 } // namespace quillane::codecs
