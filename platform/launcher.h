@@ -15,8 +15,10 @@ public:
     virtual void OpenAddress(const QString& address) = 0;
     /// The system's "find" action: the file manager's search in that folder, else the folder.
     virtual void FindIn(const QString& folder) = 0;
-    /// Starts a program detached; Failure when it cannot be started.
-    virtual void Run(const QString& program, const QStringList& arguments) = 0;
+    /// Starts a program detached in a working folder (empty: the current one); Failure when it
+    /// cannot be started.
+    virtual void Run(const QString& program, const QStringList& arguments,
+                     const QString& workingFolder = {}) = 0;
 };
 
 } // namespace quillane

@@ -80,7 +80,7 @@ void frmBrowserMain::Load()
     if (mMenus.IsChecked(QStringLiteral("mnuMainViewTileBoxTileImage"))) {
         mViews->ShowView(-1);
     } else {
-        mViews->ShowView(mSettings.lvSelectedView);
+        mViews->ShowView(mSettings.listStyle);
     }
     mTree->Select(mSession.gsPath.isEmpty() ? mPlatform.places.Pictures() : mSession.gsPath);
 }
@@ -97,18 +97,18 @@ void frmBrowserMain::InitBrowserDefaults()
 
 void frmBrowserMain::LoadSettings()
 {
-    const SettingFallbacks fallbacks{mPlatform.places.Home(), mPlatform.places.Programs()};
+    const SettingFallbacks fallbacks{mPlatform.places.Home(), mPlatform.places.Programs(), {}};
     LoadGlobals(mStore, mSession, fallbacks);
-    mSettings = LoadMainWindowSettings(mStore);
+    LoadMainWindowSettings(mStore, mSettings);
     mSlots.Load(mStore);
     mHistory.Load(mStore);
 
     mScan.SetIncludeSubDirectories(mSettings.includeSubDirectories);
-    mViews->List()->SetSorted(mSettings.lvSelectedSorted);
-    mViews->List()->SetGridLines(mSettings.lvSelectedGridLines);
+    mViews->List()->SetSorted(mSettings.sorted);
+    mViews->List()->SetGridLines(mSettings.gridLines);
     for (const ViewEntry& view : ViewEntries()) {
         const bool checked =
-            mSettings.thumbnailsChecked ? view.style < 0 : view.style == mSettings.lvSelectedView;
+            mSettings.thumbnailsChecked ? view.style < 0 : view.style == mSettings.listStyle;
         mMenus.SetChecked(QLatin1String(view.name), checked);
     }
     mDirPath->clear();
@@ -122,11 +122,11 @@ void frmBrowserMain::SaveSettings()
     mSettings.thumbnailsChecked = mMenus.IsChecked(QStringLiteral("mnuMainViewTileBoxTileImage"));
     mSettings.largeIconsChecked =
         mMenus.IsChecked(QStringLiteral("mnuMainViewTileBoxTileFilename"));
-    mSettings.searchOnChecked = SearchOn();
+    mSettings.searchOn = SearchOn();
     mSettings.includeSubDirectories = mScan.IncludeSubDirectories();
-    mSettings.lvSelectedView = mViews->List()->Style();
-    mSettings.lvSelectedSorted = mViews->List()->Sorted();
-    mSettings.lvSelectedGridLines = mViews->List()->GridLines();
+    mSettings.listStyle = mViews->List()->Style();
+    mSettings.sorted = mViews->List()->Sorted();
+    mSettings.gridLines = mViews->List()->GridLines();
     mSettings.top = float(frameGeometry().top() * kTwipsPerPixel);
     mSettings.left = float(frameGeometry().left() * kTwipsPerPixel);
 

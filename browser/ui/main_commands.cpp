@@ -19,6 +19,12 @@
 
 namespace quillane {
 
+namespace {
+
+constexpr int kSlotsOfAKind = 4;
+
+} // namespace
+
 void frmBrowserMain::Command(const char* name, const std::function<void()>& command)
 {
     QAction* action = mMenus.Action(QLatin1String(name));
@@ -47,9 +53,9 @@ void frmBrowserMain::ConnectMenus()
             }
         });
     }
-    for (int i = 0; i < kCustomSlots; ++i) {
+    for (int i = 0; i < kSlotsOfAKind; ++i) {
         const QByteArray name = "mnuCustomApp" + QByteArray::number(i + 1);
-        Command(name.constData(), [this, i] { RunCustomSlot(mSlots.Application(i)); });
+        Command(name.constData(), [this, i] { RunCustomSlot(mSlots.apps[size_t(i)]); });
     }
     Command("mnuPopSelect", [this] { mViews->Grid()->SelectAll(); });
     Command("mnuPopAdd", [this] { AddSelectedToAlbum(); });
@@ -198,7 +204,7 @@ void frmBrowserMain::UpdatePopup()
 
 void frmBrowserMain::ApplyCustomTools()
 {
-    const auto apply = [this](const QString& name, const SlotMenuState& state) {
+    const auto apply = [this](const QString& name, const CustomSlotEntry& state) {
         QAction* action = mMenus.Action(name);
         action->setVisible(state.visible);
         action->setEnabled(state.enabled);
@@ -206,12 +212,12 @@ void frmBrowserMain::ApplyCustomTools()
             action->setText(state.caption);
         }
     };
-    const SlotMenuStates states = quillane::ApplyCustomTools(mSlots);
-    for (int i = 0; i < kCustomSlots; ++i) {
+    const CustomSlotEntries entries = quillane::ApplyCustomTools(mSlots);
+    for (int i = 0; i < kSlotsOfAKind; ++i) {
         const QString number = QString::number(i + 1);
-        apply(QStringLiteral("mnuCustomTool") + number, states.tools[size_t(i)]);
-        apply(QStringLiteral("mnuPopCustomTool") + number, states.tools[size_t(i)]);
-        apply(QStringLiteral("mnuCustomApp") + number, states.applications[size_t(i)]);
+        apply(QStringLiteral("mnuCustomTool") + number, entries.tools[size_t(i)]);
+        apply(QStringLiteral("mnuPopCustomTool") + number, entries.tools[size_t(i)]);
+        apply(QStringLiteral("mnuCustomApp") + number, entries.apps[size_t(i)]);
     }
 }
 
@@ -230,7 +236,7 @@ void frmBrowserMain::ImageTool(qint32 tool)
         return;
     }
     if (tool >= kFirstCustomTool && tool <= kLastCustomTool) {
-        RunCustomSlot(mSlots.Tool(tool - kFirstCustomTool));
+        RunCustomSlot(mSlots.tools[size_t(tool - kFirstCustomTool)]);
         return;
     }
     for (const ToolRow& row : ImageTools()) {

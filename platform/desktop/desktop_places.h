@@ -1,0 +1,23 @@
+#pragma once
+#include "platform/fixed_places.h"
+
+namespace quillane {
+
+/// Fixed places by the XDG rules; a place is made when it is first asked for, where it must be.
+class DesktopPlaces : public FixedPlaces {
+public:
+    QString Home() const override;
+    QString Pictures() const override;
+    QString SettingsFile() const override;
+    QString Wallpaper() const override;
+    QString PrintCopy() const override;
+    QString Capture() const override;
+    QString CaptureLower() const override;
+    QString Programs() const override;
+    QString ApplicationFolder() const override;
+    QString HelpFile() const override;
+    QString ThumbnailCache() const override;
+    QString CodecWorker() const override;
+};
+
+} // namespace quillane

@@ -1,0 +1,34 @@
+#include "platform/fake/fake_dialogs.h"
+
+#include "core/failure.h"
+
+namespace quillane {
+
+BoxAnswer FakeDialogs::Box(const QString& text, const QString& title, BoxIcon icon,
+                           BoxButtons buttons)
+{
+    mBoxes.append({text, title, icon, buttons});
+    if (!mAnswers.isEmpty()) {
+        return mAnswers.takeFirst();
+    }
+    ++mUnexpected;
+    switch (buttons) {
+    case BoxButtons::Ok:
+        return BoxAnswer::Ok;
+    case BoxButtons::YesNo:
+        return BoxAnswer::No;
+    default:
+        return BoxAnswer::Cancel;
+    }
+}
+
+QString FakeDialogs::File(const FileDialogSpec& spec)
+{
+    mSpecs.append(spec);
+    if (mFiles.isEmpty()) {
+        throw Failure(kFailureCancelled, QStringLiteral("The dialog was cancelled."));
+    }
+    return mFiles.takeFirst();
+}
+
+} // namespace quillane

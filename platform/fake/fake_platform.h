@@ -1,0 +1,81 @@
+#pragma once
+// All services of the outside as a test holds them.
+#include "core/failure.h"
+#include "platform/fake/fake_dialogs.h"
+#include "platform/fake/fake_loop.h"
+#include "platform/platform.h"
+#include <QStringList>
+#include <QVector>
+
+namespace quillane {
+
+/// Notes what would have been opened.
+class FakeLauncher : public Launcher {
+public:
+    struct Started {
+        QString program;
+        QStringList arguments;
+        QString folder;
+    };
+    QStringList opened, addresses, searched;
+    QVector<Started> started;
+    bool fails = false; ///< every call ends with a Failure
+
+    void OpenPath(const QString& path) override { Note(opened, path); }
+    void OpenAddress(const QString& address) override { Note(addresses, address); }
+    void FindIn(const QString& folder) override { Note(searched, folder); }
+    void Run(const QString& program, const QStringList& arguments,
+             const QString& workingFolder) override;
+
+private:
+    void Note(QStringList& list, const QString& text);
+};
+
+/// Every fixed place below one folder.
+class FakePlaces : public FixedPlaces {
+public:
+    explicit FakePlaces(QString root) : mRoot(std::move(root)) { }
+    QString codecWorker; ///< the decoding program, when a test needs it
+
+    QString Home() const override { return mRoot + u'/'; }
+    QString Pictures() const override { return mRoot + QStringLiteral("/Pictures/"); }
+    QString SettingsFile() const override { return mRoot + QStringLiteral("/quillane.ini"); }
+    QString Wallpaper() const override { return mRoot + QStringLiteral("/Wallpaper.bmp"); }
+    QString PrintCopy() const override { return mRoot + QStringLiteral("/TPrinter2Image.jpg"); }
+    QString Capture() const override { return mRoot + QStringLiteral("/Capture.avi"); }
+    QString CaptureLower() const override { return mRoot + QStringLiteral("/capture.avi"); }
+    QString Programs() const override { return QStringLiteral("/usr/bin"); }
+    QString ApplicationFolder() const override { return mRoot + QStringLiteral("/bin/"); }
+    QString HelpFile() const override { return mRoot + QStringLiteral("/help/index.html"); }
+    QString ThumbnailCache() const override { return mRoot + QStringLiteral("/thumbnails"); }
+    QString CodecWorker() const override { return codecWorker; }
+
+private:
+    QString mRoot;
+};
+
+/// A folder watch that a test fires.
+class FakeWatch : public FolderWatch {
+public:
+    QString folder; ///< being watched
+    void Watch(const QString& path) override { folder = path; }
+    void OnChange(std::function<void()> changed) override { mChanged = std::move(changed); }
+    void Fire() const;
+
+private:
+    std::function<void()> mChanged;
+};
+
+/// The fakes in one bundle.
+struct FakePlatform {
+    explicit FakePlatform(const QString& root) : places(root) { }
+    Platform Services() { return {dialogs, loop, launcher, places, watch}; }
+
+    FakeDialogs dialogs;
+    FakeLoop loop;
+    FakeLauncher launcher;
+    FakePlaces places;
+    FakeWatch watch;
+};
+
+} // namespace quillane

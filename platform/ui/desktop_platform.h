@@ -1,0 +1,22 @@
+#pragma once
+#include "platform/desktop/desktop_launcher.h"
+#include "platform/desktop/desktop_loop.h"
+#include "platform/desktop/desktop_places.h"
+#include "platform/desktop/desktop_watch.h"
+#include "platform/platform.h"
+#include "platform/ui/desktop_dialogs.h"
+
+namespace quillane {
+
+/// The real services of the outside. Needs the application object.
+struct DesktopPlatform {
+    Platform Services() { return {dialogs, loop, launcher, places, watch}; }
+
+    DesktopDialogs dialogs;
+    DesktopLoop loop;
+    DesktopLauncher launcher;
+    DesktopPlaces places;
+    DesktopWatch watch;
+};
+
+} // namespace quillane
