@@ -21,5 +21,7 @@ private:
 /// Parses the file's metadata once. What cannot be parsed is absent; Failure only when the
 /// file cannot be opened. Any thread.
 CommentSet ReadComments(const QString& path);
+/// How many files ReadComments has looked into since the program began, over all threads.
+qint64 CommentParseCount();
 
 } // namespace quillane
