@@ -102,10 +102,11 @@ std::span<const CommentSlot> CommentSlots()
 
 const CommentSlot* FindSlot(qint16 slot)
 {
-    const auto* const found =
-        std::lower_bound(std::begin(kCommentSlots), std::end(kCommentSlots), slot,
+    const std::span<const CommentSlot> slots = CommentSlots();
+    const auto found =
+        std::lower_bound(slots.begin(), slots.end(), slot,
                          [](const CommentSlot& row, qint16 wanted) { return row.slot < wanted; });
-    return found != std::end(kCommentSlots) && found->slot == slot ? found : nullptr;
+    return found != slots.end() && found->slot == slot ? &*found : nullptr;
 }
 
 } // namespace quillane
