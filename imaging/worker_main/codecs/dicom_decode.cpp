@@ -2,8 +2,6 @@
 #include "imaging/worker_main/codecs/dicom_file.h"
 #include "imaging/worker_main/codecs/shipped_codecs.h"
 #include <algorithm>
-#include <cstring>
-#include <dcmtk/dcmdata/dcdeftag.h>
 #include <dcmtk/dcmdata/dcdict.h>
 #include <dcmtk/dcmdata/dcrledrg.h>
 #include <dcmtk/dcmimage/diregist.h>
@@ -33,10 +31,11 @@ bool ChooseDicomWindow(DicomImage& image, int bitsStored)
     return false;
 }
 
-void CopyDicomRow(const uchar* from, qint32 width, bool colour, uchar* to)
+/// `flip` is exclusive-ored into grey values.
+void CopyDicomRow(const uchar* from, qint32 width, bool colour, uchar flip, uchar* to)
 {
     if (!colour) {
-        std::memcpy(to, from, size_t(width));
+        std::transform(from, from + width, to, [flip](uchar value) { return value ^ flip; });
         return;
     }
     auto* pixels = reinterpret_cast<quint32*>(to);
@@ -53,8 +52,6 @@ void PrepareDicom()
     DcmRLEDecoderRegistration::registerCodecs();
     DJDecoderRegistration::registerCodecs();
     DJLSDecoderRegistration::registerCodecs();
-    // What lies behind the picture does not matter, and may be missing.
-    dcmStopParsingAfterElement.set(DCM_PixelData);
     // The dictionary of fields is a file: it has to be in memory before files are out of reach.
     dcmDataDict.rdlock();
     dcmDataDict.rdunlock();
@@ -95,6 +92,13 @@ bool DecodeDicom(ByteSource& source, const PictureWish& wish, PictureSink& sink)
     shape.fileDepth = facts.facts.bits;
     shape.exact = colour || ChooseDicomWindow(image, facts.bitsStored);
 
+    // The library inverts with an error of rounding; values that stay as they are do not need it.
+    uchar flip = 0;
+    if (!colour && shape.exact && image.getPhotometricInterpretation() == EPI_Monochrome1) {
+        image.setPolarity(EPP_Reverse);
+        flip = 0xff;
+    }
+
     constexpr int kOutputBits = 8;
     const auto* pixels = static_cast<const uchar*>(image.getOutputData(kOutputBits, 0, 0));
     const size_t rowBytes = size_t(shape.width) * (colour ? 3 : 1);
@@ -103,7 +107,7 @@ bool DecodeDicom(ByteSource& source, const PictureWish& wish, PictureSink& sink)
     }
     sink.Begin(shape);
     for (qint32 y = 0; y < shape.height; ++y) {
-        CopyDicomRow(pixels + size_t(y) * rowBytes, shape.width, colour, sink.NextRow());
+        CopyDicomRow(pixels + size_t(y) * rowBytes, shape.width, colour, flip, sink.NextRow());
     }
     return facts.partial;
 }

@@ -90,8 +90,12 @@ DicomFile::DicomFile(ByteSource& source, DicomPart part) : mBytes(source.Size())
 bool DicomFile::Read(ByteSource& source, DicomPart part, qint64 padding)
 {
     DicomStream stream(source, 0, padding);
+    // What lies behind the picture does not matter, and may be missing. Reading up to the
+    // picture needs no such end, and would stumble over it.
+    const bool all = part == DicomPart::All;
+    dcmStopParsingAfterElement.set(all ? DCM_PixelData : DCM_UndefinedTagKey);
     mFile.transferInit();
-    const OFCondition read = part == DicomPart::All
+    const OFCondition read = all
         ? mFile.read(stream, EXS_Unknown, EGL_noChange, kDicomKeptValue)
         : mFile.readUntilTag(stream, EXS_Unknown, EGL_noChange, kDicomKeptValue, DCM_PixelData);
     mFile.transferEnd();

@@ -10,13 +10,14 @@ namespace quillane::worker {
 TiffRows::TiffRows(TiffFile& file, const TiffTags& tags)
     : mFile(file),
       mTags(tags),
-      mPlanes(tags.separate ? tags.samples : 1)
+      mPlanes(tags.separate ? tags.samples : 1),
+      // libtiff decodes a JBIG strip only as a whole.
+      mBanded(tags.tiled || tags.separate || tags.compression == COMPRESSION_JBIG)
 {
     TIFF* tiff = file.Handle();
     const qint64 inRow = qint64(tags.width) * tags.bits * (tags.separate ? 1 : tags.samples);
     mRowBytes = (inRow + 7) / 8;
-    const bool banded = tags.tiled || tags.separate;
-    const qint64 bandBytes = banded ? mRowBytes * tags.bandRows * mPlanes : TIFFScanlineSize(tiff);
+    const qint64 bandBytes = mBanded ? mRowBytes * tags.bandRows * mPlanes : TIFFScanlineSize(tiff);
     const qint64 tileBytes = tags.tiled ? TIFFTileSize(tiff) : 0;
     if (bandBytes < mRowBytes || (tags.tiled && tileBytes <= 0)) {
         ThrowTiffDamaged();
@@ -32,7 +33,7 @@ TiffRows::TiffRows(TiffFile& file, const TiffTags& tags)
 const uchar* TiffRows::Samples(int plane) const
 {
     const auto* band = reinterpret_cast<const uchar*>(mBand.constData());
-    if (!mTags.tiled && !mTags.separate) {
+    if (!mBanded) {
         return band;
     }
     const std::uint32_t row = (mRow - 1) % mTags.bandRows;
@@ -48,7 +49,7 @@ void TiffRows::Restart()
 
 bool TiffRows::Next()
 {
-    const bool found = mTags.tiled || mTags.separate ? NextOfBand() : NextScanline();
+    const bool found = mBanded ? NextOfBand() : NextScanline();
     mMissing = mMissing || !found;
     mFound = mFound || found;
     return found;

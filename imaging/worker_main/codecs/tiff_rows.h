@@ -31,6 +31,7 @@ private:
     TiffFile& mFile;
     const TiffTags& mTags;
     int mPlanes = 1;
+    bool mBanded; ///< strips or tiles are decoded whole, else row after row
     qint64 mRowBytes = 0;
     QByteArray mBand; ///< plane after plane, bandRows rows each
     QByteArray mTile;
