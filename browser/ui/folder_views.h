@@ -58,14 +58,12 @@ private:
     void Place();
 
     Session& mSession;
-    UiLoop& mLoop;
     ThumbnailGrid* mGrid;
     FileListView* mList;
     QLabel* mChanged; ///< the "Refresh (F5)" line
     ThumbnailPool mPool;
     bool mThumbnails = true;
-    QVector<ScanRow> mPendingRows;
-    bool mWantQueued = false;
+    QVector<FileRow> mPendingRows;
 };
 
 } // namespace quillane

@@ -9,13 +9,12 @@
 #include "core/file_kinds.h"
 #include "core/paths.h"
 #include "platform/ui/command_connector.h"
+#include "widgets/file_list_mime.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
-#include <QMimeData>
 #include <QShortcut>
-#include <QUrl>
 
 namespace quillane {
 

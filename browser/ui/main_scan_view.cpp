@@ -4,6 +4,8 @@
 #include "core/file_kinds.h"
 #include "core/paths.h"
 
+#include <algorithm>
+
 namespace quillane {
 
 namespace {

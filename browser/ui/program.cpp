@@ -7,9 +7,7 @@
 
 namespace quillane {
 
-Program::Program(Platform platform)
-    : mPlatform(platform)
-    , mStore(platform.places.SettingsFile())
+Program::Program(Platform platform) : mPlatform(platform), mStore(platform.places.SettingsFile())
 {
     worker::Configure(platform.places.CodecWorker(), std::max(1, QThread::idealThreadCount()));
     mMain = std::make_unique<frmBrowserMain>(mSession, mStore, mPlatform, mWindows);

@@ -4,6 +4,7 @@
 #include "platform/ui_loop.h"
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace quillane {
 
@@ -48,6 +49,7 @@ private:
     struct State;
     UiLoop& mLoop;
     std::shared_ptr<State> mState;
+    std::vector<std::shared_ptr<State>> mEnding; ///< stopped, their readers not all through
 };
 
 } // namespace quillane

@@ -23,6 +23,7 @@ struct Thumbnail {
     double milliseconds = 0; ///< that it took to make
     /// A larger version, made on the way, that is worth keeping in the cache (or null).
     QImage forCache;
+    QSize picture; ///< of the whole picture, upright; known when it was decoded
     FileStat stat; ///< of the file, from before it was read
 };
 

@@ -1,0 +1,216 @@
+#include "imaging/thumbs/thumbnail_scanner.h"
+
+#include "core/failure.h"
+#include "core/file_kinds.h"
+#include "core/native_path.h"
+#include "imaging/reader.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace quillane {
+
+namespace {
+
+constexpr int kHeaderReaders = 16;     // reading headers waits on the disk, not on a core
+constexpr size_t kHeadersAhead = 4096; // results held before they are delivered
+constexpr size_t kHeadersAtOnce = 16;  // files a reader takes at a time
+constexpr std::chrono::milliseconds kHeaderWait{4};
+
+struct HeaderResult {
+    qint16 status = kScanUnreadable;
+    bool ready = false;
+    ImageFacts facts;
+};
+
+HeaderResult ReadHeaderOf(const QString& path)
+{
+    HeaderResult result;
+    result.ready = true;
+    try {
+        result.facts = ProbeFile(path);
+        result.status = kScanGood;
+    } catch (const Failure&) {
+        if (StatPath(path).type != FileType::Regular) {
+            result.status = kScanIgnored;
+        } else if (IsAlbumFile(path) == kTrue || IsPrintSetFile(path) == kTrue) {
+            result.status = kScanKnownOther;
+        }
+    } catch (const std::bad_alloc&) {
+        result.status = kScanUnreadable;
+    }
+    return result;
+}
+
+} // namespace
+
+struct ThumbnailScanner::State {
+    std::vector<QString> paths;    ///< of all masks, one behind the other
+    std::vector<size_t> maskBegin; ///< first path of each mask, and one end
+    std::vector<HeaderResult> ring;
+
+    std::mutex mutex;
+    std::condition_variable read;   ///< a result is there
+    std::condition_variable wanted; ///< room for more results
+    size_t next = 0;                ///< first path no reader has taken
+    size_t delivered = 0;           ///< paths that are through
+    bool stop = false;
+    std::vector<std::thread> readers;
+    std::atomic<int> reading = 0; ///< readers that are not through
+
+    ~State();
+    void Read();
+    /// Paths that are not to be read any more: those before `path`.
+    void SkipTo(size_t path);
+    void End();
+    HeaderResult& At(size_t path) { return ring[path % ring.size()]; }
+};
+
+ThumbnailScanner::State::~State()
+{
+    for (std::thread& reader : readers) {
+        reader.join();
+    }
+}
+
+void ThumbnailScanner::State::Read()
+{
+    std::vector<HeaderResult> results;
+    std::unique_lock lock(mutex);
+    for (;;) {
+        wanted.wait(lock, [this] {
+            return stop || next >= paths.size() || next < delivered + ring.size();
+        });
+        if (stop || next >= paths.size()) {
+            return;
+        }
+        const size_t from = std::max(next, delivered);
+        const size_t end = std::min({from + kHeadersAtOnce, paths.size(), delivered + ring.size()});
+        next = end;
+        lock.unlock();
+        results.clear();
+        for (size_t i = from; i < end; ++i) {
+            results.push_back(ReadHeaderOf(paths[i]));
+        }
+        lock.lock();
+        for (size_t i = from; i < end; ++i) {
+            // What was skipped meanwhile has no place any more.
+            if (i >= delivered) {
+                At(i) = std::move(results[i - from]);
+            }
+        }
+        read.notify_one();
+    }
+}
+
+void ThumbnailScanner::State::SkipTo(size_t path)
+{
+    const std::lock_guard lock(mutex);
+    for (size_t i = delivered; i < std::min(path, delivered + ring.size()); ++i) {
+        At(i).ready = false;
+    }
+    delivered = std::max(delivered, path);
+    next = std::max(next, path);
+    wanted.notify_all();
+}
+
+void ThumbnailScanner::State::End()
+{
+    {
+        const std::lock_guard lock(mutex);
+        stop = true;
+    }
+    wanted.notify_all();
+}
+
+ThumbnailScanner::ThumbnailScanner(UiLoop& loop) : mLoop(loop)
+{ }
+
+ThumbnailScanner::~ThumbnailScanner()
+{
+    Stop();
+}
+
+void ThumbnailScanner::Prepare(const FolderListing& listing, const QStringList& masks)
+{
+    Stop();
+    mState = std::make_shared<State>();
+    for (const QString& mask : masks) {
+        mState->maskBegin.push_back(mState->paths.size());
+        for (QString& path : listing.Paths(mask)) {
+            mState->paths.push_back(std::move(path));
+        }
+    }
+    mState->maskBegin.push_back(mState->paths.size());
+    mState->ring.resize(std::clamp<size_t>(mState->paths.size(), 1, kHeadersAhead));
+    const size_t readers = std::min<size_t>(
+        kHeaderReaders, (mState->paths.size() + kHeadersAtOnce - 1) / kHeadersAtOnce);
+    mState->reading = int(readers);
+    for (size_t i = 0; i < readers; ++i) {
+        mState->readers.emplace_back([state = mState.get()] {
+            state->Read();
+            --state->reading;
+        });
+    }
+}
+
+void ThumbnailScanner::Stop()
+{
+    if (mState) {
+        // A reader may still wait for a slow file: the window thread does not wait with it.
+        mState->End();
+        mEnding.push_back(std::move(mState));
+        mState.reset();
+    }
+    std::erase_if(mEnding,
+                  [](const std::shared_ptr<State>& state) { return state->readers.empty(); });
+}
+
+bool ThumbnailScanner::Browse(int index, Generation generation, const Event& event)
+{
+    const std::shared_ptr<State> state = mState;
+    if (!state || index < 0 || size_t(index) + 1 >= state->maskBegin.size()) {
+        return mLoop.Newest() == generation;
+    }
+    const size_t end = state->maskBegin[size_t(index) + 1];
+    state->SkipTo(state->maskBegin[size_t(index)]);
+    std::vector<HeaderResult> batch;
+    size_t at = state->delivered;
+    while (at < end) {
+        {
+            std::unique_lock lock(state->mutex);
+            state->read.wait_for(lock, kHeaderWait, [&] { return state->At(at).ready; });
+            batch.clear();
+            for (size_t i = at; i < end && batch.size() < kHeadersAtOnce && state->At(i).ready;
+                 ++i) {
+                batch.push_back(std::move(state->At(i)));
+                state->At(i).ready = false;
+            }
+            state->delivered += batch.size();
+            state->wanted.notify_all();
+        }
+        if (batch.empty() && !mLoop.Yield(generation)) {
+            return false;
+        }
+        for (HeaderResult& result : batch) {
+            const ScannedFile file{state->paths[at], result.status, std::move(result.facts)};
+            ++at;
+            const bool go = event(file);
+            if (!mLoop.Yield(generation)) {
+                return false;
+            }
+            if (!go) {
+                state->SkipTo(end);
+                return true;
+            }
+        }
+    }
+    return true;
+}
+
+} // namespace quillane
