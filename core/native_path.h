@@ -41,6 +41,7 @@ public:
     ~FileHandle();
     int Fd() const { return mFd; }
     bool IsOpen() const { return mFd >= 0; }
+    /// Gives the descriptor away: it is the caller's to close.
     int Release();
 
 private:
@@ -81,12 +82,13 @@ QDateTime ModifiedTime(const FileStat& stat);
 /// False when the file cannot be removed; a link goes, not its target; a folder stays.
 bool RemoveFile(const QString& path);
 
-/// How often the system was asked since the program began, over all threads.
+/// How often the system was asked.
 struct PathCalls {
     qint64 stats = 0; ///< paths and entries looked at
     qint64 opens = 0; ///< files opened for reading
     qint64 lists = 0; ///< folders read
 };
+/// Counts since the program began, over all threads.
 PathCalls PathCallCount();
 
 } // namespace quillane
