@@ -1,4 +1,5 @@
 #include "imaging/codecs/png_session.h"
+#include "imaging/codecs/byte_stream.h"
 #include "imaging/limits.h"
 #include <QtEndian>
 #include <algorithm>
@@ -14,9 +15,7 @@ struct PngSession::Run {
     png_structp png = nullptr;
     png_infop info = nullptr;
     std::jmp_buf jump;
-    ByteSource* bytes = nullptr;
-    qint64 position = 0;
-    bool ended = false;
+    std::unique_ptr<ByteStream> stream;
     int width = 0, height = 0, depth = 0, colourType = 0;
     bool interlaced = false;
     bool transparent = false; ///< has an alpha channel or a transparent colour
@@ -40,6 +39,8 @@ namespace {
 constexpr png_byte kPngPassedOver[] = "tEXt\0zTXt\0iTXt\0sPLT\0hIST\0tIME\0eXIf\0pCAL\0sCAL";
 constexpr int kPngPassedOverCount = 9;
 constexpr int kPngPasses = 7;
+/// Compressed bytes taken at once; of a file that is cut off, so many are lost at most.
+constexpr int kPngPortion = 512;
 
 } // namespace
 
@@ -53,10 +54,7 @@ void PngSession::Run::OnError(png_structp png, png_const_charp words)
 void PngSession::Run::OnRead(png_structp png, png_bytep to, size_t count)
 {
     Run& run = *static_cast<Run*>(png_get_io_ptr(png));
-    const qint64 got = run.bytes->ReadAt(run.position, to, qint64(count));
-    run.position += got;
-    if (got != qint64(count)) {
-        run.ended = true;
+    if (run.stream->Read(to, qint64(count)) != qint64(count)) {
         png_error(png, "it ends early");
     }
 }
@@ -79,6 +77,7 @@ bool PngSession::Run::ReadHeader()
     png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, kPngPassedOver, kPngPassedOverCount);
     // Damaged check sums of what is not needed are no reason to refuse the pixels.
     png_set_crc_action(png, PNG_CRC_DEFAULT, PNG_CRC_WARN_DISCARD);
+    png_set_compression_buffer_size(png, kPngPortion);
     png_set_option(png, PNG_SKIP_sRGB_CHECK_PROFILE, PNG_OPTION_ON);
     png_read_info(png, info);
     width = int(png_get_image_width(png, info));
@@ -184,7 +183,7 @@ PngSession::~PngSession()
 bool PngSession::Start(ByteSource& source)
 {
     Run& run = *mRun;
-    run.bytes = &source;
+    run.stream = std::make_unique<ByteStream>(source, 0, source.Size());
     if (!run.ReadHeader()) {
         return false;
     }

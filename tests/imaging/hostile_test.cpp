@@ -1,0 +1,264 @@
+// Damaged and malicious files: refused with words or shown in part, never a crash, a hang or a
+// hunger for memory. What the decoding process reads has its own tests.
+#include "codec_support_for_tests.h"
+#include "core/native_path.h"
+#include "imaging/limits.h"
+#include "picture_maker.h"
+#include <QHash>
+#include <QStringList>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <iostream>
+#include <mutex>
+#include <random>
+#include <thread>
+
+namespace quillane {
+
+namespace {
+
+const QString kHostileSamples = QStringLiteral(QUILLANE_SOURCE_FOLDER "/../shared/samples");
+/// So long that only something that never ends is still at it.
+constexpr std::chrono::seconds kHostilePatience{60};
+
+/// Calls off what is still running when patience is at its end.
+class HostileWatch {
+public:
+    HostileWatch() : mThread([this] { Watch(); }) { }
+    ~HostileWatch()
+    {
+        {
+            const std::lock_guard lock(mMutex);
+            mDone = true;
+        }
+        mWake.notify_all();
+        mThread.join();
+    }
+    std::atomic<bool> expired = false;
+
+private:
+    void Watch()
+    {
+        std::unique_lock lock(mMutex);
+        if (!mWake.wait_for(lock, kHostilePatience, [this] { return mDone; })) {
+            expired = true;
+        }
+    }
+    std::mutex mMutex;
+    std::condition_variable mWake;
+    bool mDone = false;
+    std::thread mThread;
+};
+
+/// Bytes of memory at its highest since ResetPeakMemory; 0 where the system does not tell.
+qint64 PeakMemory()
+{
+    qint64 peak = 0;
+    for (const QByteArray& line : ReadWholeFile("/proc/self/status", 1 << 20).split('\n')) {
+        if (line.startsWith("VmHWM:")) {
+            peak = line.mid(6).trimmed().split(' ').first().toLongLong() * 1024;
+        }
+    }
+    return peak;
+}
+
+void ResetPeakMemory()
+{
+    if (std::FILE* file = std::fopen("/proc/self/clear_refs", "w")) {
+        std::fputs("5", file);
+        std::fclose(file);
+    }
+}
+
+struct HostileCount {
+    int refused = 0, partial = 0, whole = 0;
+};
+
+/// Probes and decodes; anything but a Failure with words or a picture of sane size is a failure
+/// of the test.
+void HostileTry(const QByteArray& bytes, const std::string& name, HostileCount& count,
+                const std::atomic<bool>* cancelled)
+{
+    const Codec* codec = FindCodec(
+        QByteArrayView(bytes).first(std::min<qsizetype>(512, bytes.size())), QStringView());
+    if (!codec || codec->inWorker) {
+        return;
+    }
+    MemorySource source(bytes);
+    DecodeRequest request;
+    request.cancelled = cancelled;
+    const making::Refusal facts = making::RefusalOf([&] { codec->probe(source); });
+    if (facts.number != 0) {
+        EXPECT_TRUE(facts.words.startsWith("This ") && facts.words.endsWith("."))
+            << name << ": " << facts.words.toStdString();
+    }
+    for (const QSize atLeast : {QSize(), QSize(64, 64)}) {
+        request.atLeast = atLeast;
+        Bitmap bitmap;
+        const making::Refusal refusal =
+            making::RefusalOf([&] { bitmap = codec->decode(source, request); });
+        EXPECT_NE(refusal.number, kFailureCancelled) << name << " takes too long";
+        if (refusal.number != 0) {
+            ++count.refused;
+            EXPECT_TRUE(refusal.words.startsWith("This ") && refusal.words.endsWith("."))
+                << name << ": " << refusal.words.toStdString();
+            continue;
+        }
+        ++(bitmap.IsPartial() ? count.partial : count.whole);
+        EXPECT_FALSE(bitmap.IsNull()) << name;
+        EXPECT_LE(qint64(bitmap.Width()) * bitmap.Height(), limits::kMaxPixels);
+        const QImage shown = bitmap.ToDisplay();
+        EXPECT_EQ(shown.size(), bitmap.Pixels().size()) << name;
+    }
+}
+
+QHash<QString, QByteArray> HostileFiles(const QStringList& folders)
+{
+    QHash<QString, QByteArray> files;
+    for (const QString& folder : folders) {
+        const QString path = kHostileSamples + "/" + folder;
+        if (StatPath(path).type != FileType::Folder) {
+            continue;
+        }
+        ListFolder(path, [&](DirEntry&& entry) {
+            if (entry.type == FileType::Regular) {
+                files.insert(folder + "/" + entry.name,
+                             ReadWholeFile(path + "/" + entry.name, 64 << 20));
+            }
+            return true;
+        });
+    }
+    return files;
+}
+
+/// Pictures of every codec of this process, as the tests make them.
+QHash<QString, QByteArray> HostileMade()
+{
+    QHash<QString, QByteArray> files;
+    for (const int channels : {1, 3, 4}) {
+        for (const bool progressive : {false, true}) {
+            making::JpegMake make;
+            make.channels = channels;
+            make.progressive = progressive;
+            make.exif = making::MakeExif(6, true, 300);
+            make.icc = making::MakeWideProfile();
+            files.insert(QString("made %1 %2.jpg").arg(channels).arg(progressive),
+                         making::MakeJpeg(make));
+            make.arithmetic = true;
+            files.insert(QString("made %1 %2 arithmetic.jpg").arg(channels).arg(progressive),
+                         making::MakeJpeg(make));
+        }
+    }
+    for (const int type : {0, 2, 3, 4, 6}) {
+        for (const bool interlaced : {false, true}) {
+            making::PngMake make;
+            make.colourType = type;
+            make.interlaced = interlaced;
+            make.dotsPerMetre = 3000;
+            make.exif = making::MakeExif(3);
+            files.insert(QString("made %1 %2.png").arg(type).arg(interlaced),
+                         making::MakePng(make));
+        }
+    }
+    making::GifMake gif;
+    gif.frames = 3;
+    gif.transparent = 1;
+    gif.left = 2;
+    files.insert("made.gif", making::MakeGif(gif));
+    gif.interlaced = true;
+    files.insert("made interlaced.gif", making::MakeGif(gif));
+    files.insert("made.pgm", "P5 10 10 255\n" + QByteArray(100, 'x'));
+    files.insert("made.ppm", "P3 2 2 255 1 2 3 4 5 6 7 8 9 10 11 12\n");
+    const QByteArray info = making::Little(40, 4) + making::Little(16, 4) + making::Little(8, 4)
+        + making::Little(1, 2) + making::Little(8, 2) + making::Little(1, 4) + QByteArray(20, '\0')
+        + QByteArray(1024, 'c');
+    files.insert("made.bmp",
+                 "BM" + making::Little(0, 4) + making::Little(0, 4) + making::Little(1078, 4) + info
+                     + QByteArray("\x10\x05\0\0\x08\x01\0\4abcd\0\2\1\1\0\1", 18));
+    files.insert("made.ico",
+                 QByteArray("\0\0\1\0\1\0\x10\x08\0\0\1\0\x08\0", 14) + making::Little(1200, 4)
+                     + making::Little(22, 4) + making::Little(40, 4) + making::Little(16, 4)
+                     + making::Little(16, 4) + making::Little(1, 2) + making::Little(8, 2)
+                     + QByteArray(24, '\0') + QByteArray(1024, 'c')
+                     + QByteArray(16 * 8 + 4 * 8, '\3'));
+    return files;
+}
+
+TEST(HostileFiles, EverySampleIsRefusedOrShownWithinItsLimits)
+{
+    const QHash<QString, QByteArray> files = HostileFiles({"hostile"});
+    if (StatPath(kHostileSamples).type != FileType::Folder) {
+        std::cout << "no folder of samples here: nothing to see\n";
+        return;
+    }
+    ASSERT_GT(files.size(), 0);
+    ResetPeakMemory();
+    HostileCount count;
+    const HostileWatch watch;
+    for (auto i = files.begin(); i != files.end(); ++i) {
+        HostileTry(i.value(), i.key().toStdString(), count, &watch.expired);
+    }
+    std::cout << files.size() << " files: " << count.refused << " refused, " << count.partial
+              << " partial, " << count.whole << " whole\n";
+    EXPECT_GT(count.refused, 0);
+#ifndef QUILLANE_SANITIZED
+    EXPECT_LT(PeakMemory(), qint64(512) << 20);
+#endif
+}
+
+TEST(HostileFiles, TruncationsOfEverySampleAtTwentyPlaces)
+{
+    QHash<QString, QByteArray> files = HostileFiles({"exif", "formats", "hostile"});
+    files.insert(HostileMade());
+    ASSERT_GT(files.size(), 0);
+    ResetPeakMemory();
+    HostileCount count;
+    const HostileWatch watch;
+    for (auto i = files.begin(); i != files.end(); ++i) {
+        for (int part = 0; part < 20; ++part) {
+            HostileTry(i.value().left(i.value().size() * part / 20),
+                       i.key().toStdString() + " cut at " + std::to_string(part) + "/20", count,
+                       &watch.expired);
+        }
+    }
+    std::cout << files.size() << " files: " << count.refused << " refused, " << count.partial
+              << " partial, " << count.whole << " whole\n";
+    EXPECT_GT(count.refused, 0);
+    EXPECT_GT(count.partial, 0);
+#ifndef QUILLANE_SANITIZED
+    EXPECT_LT(PeakMemory(), qint64(512) << 20);
+#endif
+}
+
+TEST(HostileFiles, DamagedBytesOfEveryMadePicture)
+{
+    const QHash<QString, QByteArray> files = HostileMade();
+    HostileCount count;
+    const HostileWatch watch;
+    std::mt19937 chance(20240611); // the same damage at every run
+    for (auto i = files.begin(); i != files.end(); ++i) {
+        for (int round = 0; round < 60; ++round) {
+            QByteArray bytes = i.value();
+            const int wounds = 1 + int(chance() % 8);
+            for (int wound = 0; wound < wounds; ++wound) {
+                // The headers stand at the beginning, where half of the wounds go.
+                const size_t reach = chance() % 2 ? size_t(bytes.size())
+                                                  : size_t(std::min<qsizetype>(bytes.size(), 64));
+                const qsizetype at = qsizetype(chance() % reach);
+                bytes[at] = chance() % 3 == 0 ? '\xff' : char(chance());
+            }
+            HostileTry(bytes, i.key().toStdString() + " round " + std::to_string(round), count,
+                       &watch.expired);
+        }
+    }
+    std::cout << count.refused << " refused, " << count.partial << " partial, " << count.whole
+              << " whole\n";
+    EXPECT_GT(count.refused, 0);
+    EXPECT_GT(count.whole, 0);
+}
+
+} // namespace
+
+} // namespace quillane
