@@ -1,6 +1,7 @@
 #include "imaging/worker/reply_check.h"
 #include "core/failure.h"
 #include "imaging/limits.h"
+#include "imaging/worker/picture_memory.h"
 #include <QStringDecoder>
 #include <algorithm>
 
@@ -110,7 +111,8 @@ std::optional<QString> CheckText(const char* text, qint64 room)
 
 QImage MakeImage(const CheckedPicture& picture)
 {
-    QImage image(picture.said.width, picture.said.height, ImageFormatOf(picture.said.layout));
+    QImage image =
+        NewPicture(picture.said.width, picture.said.height, ImageFormatOf(picture.said.layout));
     if (image.isNull() || image.bytesPerLine() != picture.rowBytes) {
         throw Failure(kFailureLimit,
                       QStringLiteral("There is not enough memory for this picture."));
