@@ -3,6 +3,7 @@
 #include "browser/filter.h"
 #include "browser/tag_columns.h"
 #include "core/file_kinds.h"
+#include "core/native_path.h"
 #include "core/paths.h"
 #include "core/strings.h"
 

@@ -151,10 +151,11 @@ void frmBrowserMain::ShowImageDescription(const QString& fileName)
 
 void frmBrowserMain::ShowFactsOf(const PreviewFacts& facts)
 {
+    DescriptionInput input;
+    input.lastFormat = mLead2.InfoFormat();
     if (facts.facts) {
         mLead2.SetInfo(*facts.facts);
     }
-    DescriptionInput input;
     input.fileName = facts.path;
     input.surfaceWidth = mPreview->width();
     input.stat = facts.stat;

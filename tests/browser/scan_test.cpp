@@ -56,10 +56,10 @@ public:
         cellWidth = width;
         cellHeight = height;
     }
-    void AddCell(const QString& path, const ImageFacts&) override { cells.append({path, 0}); }
+    void AddCell(const QString& path, const ImageFacts&) override { cells.append(Cell{path, 0}); }
     void AddStockCell(const QString& path, StockPicture picture) override
     {
-        cells.append({path, int(picture)});
+        cells.append(Cell{path, int(picture)});
     }
     void FinishGrid() override { ++finishes; }
     int CellCount() const override { return int(cells.size()); }
@@ -75,7 +75,7 @@ public:
     void AddRow(const ScanRow& row) override
     {
         rows.append(row);
-        tags.append({});
+        tags.append(std::array<QString, 4>{});
     }
     void SetRowTags(int row, const std::array<QString, 4>& values) override { tags[row] = values; }
     void FinishRows() override { }
