@@ -147,12 +147,13 @@ QByteArray ReadWholeFile(const QString& path, qint64 maxBytes)
     if (found.st_size > maxBytes)
         throw tooLarge();
 
+    const qint64 mostRead = qMin(maxBytes, std::numeric_limits<qint64>::max() - 1) + 1;
     // The size is a hint alone: the file may grow or shrink meanwhile, or not know its size.
     QByteArray content(found.st_size + 1, Qt::Uninitialized);
     qsizetype length = 0;
     for (;;) {
         if (length == content.size())
-            content.resize(qMin<qint64>(maxBytes + 1, length + qMax<qsizetype>(length, 4096)));
+            content.resize(qMin<qint64>(mostRead, length + qMax<qsizetype>(length, 4096)));
         const ssize_t count =
             read(file.Fd(), content.data() + length, size_t(content.size() - length));
         if (count < 0 && errno == EINTR)

@@ -192,6 +192,7 @@ TEST(ReadWholeFile, GivesTheContentUpToTheLimit)
 TEST(ReadWholeFile, ReadsFilesThatDoNotKnowTheirSize)
 {
     EXPECT_FALSE(ReadWholeFile("/proc/self/status", 1 << 20).isEmpty());
+    EXPECT_FALSE(ReadWholeFile("/proc/self/status", std::numeric_limits<qint64>::max()).isEmpty());
     EXPECT_EQ(FailureOf([] { ReadWholeFile("/proc/self/status", 10); }), kFailureLimit);
 }
 
@@ -284,9 +285,12 @@ TEST(MakeFolder, MakesThoseAboveToo)
     EXPECT_FALSE(MakeFolder(folder.Path("file/sub")));
     EXPECT_FALSE(MakeFolder({}));
     folder.Chmod("a", 0555);
-    const Unprivileged now;
-    EXPECT_FALSE(MakeFolder(folder.Path("a/new")));
-    EXPECT_TRUE(MakeFolder(folder.Path("a/b/new")));
+    {
+        const Unprivileged now;
+        EXPECT_FALSE(MakeFolder(folder.Path("a/new")));
+        EXPECT_TRUE(MakeFolder(folder.Path("a/b/new")));
+    }
+    folder.Chmod("a", 0755);
 }
 
 TEST(RemoveFile, RemovesFilesAndLinksAlone)

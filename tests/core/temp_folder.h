@@ -2,9 +2,13 @@
 // A folder that a test fills and that goes with it. Names are bytes here, as the system has them.
 #include "core/native_path.h"
 #include <QByteArray>
+#include <QDir>
 #include <QString>
-#include <QTemporaryDir>
+#include <QStringList>
+#include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
+#include <ftw.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,11 +17,20 @@ namespace quillane {
 
 class TempFolder {
 public:
-    /// Full path of a name, as the system's bytes.
-    QByteArray Bytes(const QByteArray& name = {}) const
+    TempFolder() { EXPECT_NE(mkdtemp(mFolder.data()), nullptr); }
+    // Qt's own folder leaves those behind that hold names which are no UTF-8.
+    ~TempFolder()
     {
-        return mFolder.path().toUtf8() + '/' + name;
+        const auto remove = [](const char* path, const struct stat*, int, FTW*) {
+            return ::remove(path);
+        };
+        EXPECT_EQ(nftw(mFolder.constData(), remove, 64, FTW_DEPTH | FTW_PHYS), 0);
     }
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    /// Full path of a name, as the system's bytes.
+    QByteArray Bytes(const QByteArray& name = {}) const { return mFolder + '/' + name; }
     /// Full path of a name, as text; the folder with its separator when the name is empty.
     QString Path(const QByteArray& name = {}) const { return PathFromBytes(Bytes(name)); }
 
@@ -54,7 +67,7 @@ public:
     }
 
 private:
-    QTemporaryDir mFolder;
+    QByteArray mFolder = QDir::tempPath().toUtf8() + "/quillane-test-XXXXXX";
 };
 
 } // namespace quillane
