@@ -4,7 +4,7 @@
 #include "core/native_path.h"
 #include "imaging/limits.h"
 #include "picture_maker.h"
-#include <QHash>
+#include <QMap>
 #include <QStringList>
 #include <atomic>
 #include <chrono>
@@ -114,9 +114,9 @@ void HostileTry(const QByteArray& bytes, const std::string& name, HostileCount& 
     }
 }
 
-QHash<QString, QByteArray> HostileFiles(const QStringList& folders)
+QMap<QString, QByteArray> HostileFiles(const QStringList& folders)
 {
-    QHash<QString, QByteArray> files;
+    QMap<QString, QByteArray> files;
     for (const QString& folder : folders) {
         const QString path = kHostileSamples + "/" + folder;
         if (StatPath(path).type != FileType::Folder) {
@@ -133,62 +133,9 @@ QHash<QString, QByteArray> HostileFiles(const QStringList& folders)
     return files;
 }
 
-/// Pictures of every codec of this process, as the tests make them.
-QHash<QString, QByteArray> HostileMade()
-{
-    QHash<QString, QByteArray> files;
-    for (const int channels : {1, 3, 4}) {
-        for (const bool progressive : {false, true}) {
-            making::JpegMake make;
-            make.channels = channels;
-            make.progressive = progressive;
-            make.exif = making::MakeExif(6, true, 300);
-            make.icc = making::MakeWideProfile();
-            files.insert(QString("made %1 %2.jpg").arg(channels).arg(progressive),
-                         making::MakeJpeg(make));
-            make.arithmetic = true;
-            files.insert(QString("made %1 %2 arithmetic.jpg").arg(channels).arg(progressive),
-                         making::MakeJpeg(make));
-        }
-    }
-    for (const int type : {0, 2, 3, 4, 6}) {
-        for (const bool interlaced : {false, true}) {
-            making::PngMake make;
-            make.colourType = type;
-            make.interlaced = interlaced;
-            make.dotsPerMetre = 3000;
-            make.exif = making::MakeExif(3);
-            files.insert(QString("made %1 %2.png").arg(type).arg(interlaced),
-                         making::MakePng(make));
-        }
-    }
-    making::GifMake gif;
-    gif.frames = 3;
-    gif.transparent = 1;
-    gif.left = 2;
-    files.insert("made.gif", making::MakeGif(gif));
-    gif.interlaced = true;
-    files.insert("made interlaced.gif", making::MakeGif(gif));
-    files.insert("made.pgm", "P5 10 10 255\n" + QByteArray(100, 'x'));
-    files.insert("made.ppm", "P3 2 2 255 1 2 3 4 5 6 7 8 9 10 11 12\n");
-    const QByteArray info = making::Little(40, 4) + making::Little(16, 4) + making::Little(8, 4)
-        + making::Little(1, 2) + making::Little(8, 2) + making::Little(1, 4) + QByteArray(20, '\0')
-        + QByteArray(1024, 'c');
-    files.insert("made.bmp",
-                 "BM" + making::Little(0, 4) + making::Little(0, 4) + making::Little(1078, 4) + info
-                     + QByteArray("\x10\x05\0\0\x08\x01\0\4abcd\0\2\1\1\0\1", 18));
-    files.insert("made.ico",
-                 QByteArray("\0\0\1\0\1\0\x10\x08\0\0\1\0\x08\0", 14) + making::Little(1200, 4)
-                     + making::Little(22, 4) + making::Little(40, 4) + making::Little(16, 4)
-                     + making::Little(16, 4) + making::Little(1, 2) + making::Little(8, 2)
-                     + QByteArray(24, '\0') + QByteArray(1024, 'c')
-                     + QByteArray(16 * 8 + 4 * 8, '\3'));
-    return files;
-}
-
 TEST(HostileFiles, EverySampleIsRefusedOrShownWithinItsLimits)
 {
-    const QHash<QString, QByteArray> files = HostileFiles({"hostile"});
+    const QMap<QString, QByteArray> files = HostileFiles({"hostile"});
     if (StatPath(kHostileSamples).type != FileType::Folder) {
         std::cout << "no folder of samples here: nothing to see\n";
         return;
@@ -210,8 +157,8 @@ TEST(HostileFiles, EverySampleIsRefusedOrShownWithinItsLimits)
 
 TEST(HostileFiles, TruncationsOfEverySampleAtTwentyPlaces)
 {
-    QHash<QString, QByteArray> files = HostileFiles({"exif", "formats", "hostile"});
-    files.insert(HostileMade());
+    QMap<QString, QByteArray> files = HostileFiles({"exif", "formats", "hostile"});
+    files.insert(making::MadePictures());
     ASSERT_GT(files.size(), 0);
     ResetPeakMemory();
     HostileCount count;
@@ -234,7 +181,7 @@ TEST(HostileFiles, TruncationsOfEverySampleAtTwentyPlaces)
 
 TEST(HostileFiles, DamagedBytesOfEveryMadePicture)
 {
-    const QHash<QString, QByteArray> files = HostileMade();
+    const QMap<QString, QByteArray> files = making::MadePictures();
     HostileCount count;
     const HostileWatch watch;
     std::mt19937 chance(20240611); // the same damage at every run

@@ -279,4 +279,52 @@ QByteArray MakeWideProfile()
     return QColorSpace(QColorSpace::AdobeRgb).iccProfile();
 }
 
+QMap<QString, QByteArray> MadePictures()
+{
+    QMap<QString, QByteArray> files;
+    for (const int channels : {1, 3, 4}) {
+        for (const bool progressive : {false, true}) {
+            JpegMake make;
+            make.channels = channels;
+            make.progressive = progressive;
+            make.exif = MakeExif(6, true, 300);
+            make.icc = MakeWideProfile();
+            files.insert(QString("made %1 %2.jpg").arg(channels).arg(progressive), MakeJpeg(make));
+            make.arithmetic = true;
+            files.insert(QString("made %1 %2 arithmetic.jpg").arg(channels).arg(progressive),
+                         MakeJpeg(make));
+        }
+    }
+    for (const int type : {0, 2, 3, 4, 6}) {
+        for (const bool interlaced : {false, true}) {
+            PngMake make;
+            make.colourType = type;
+            make.interlaced = interlaced;
+            make.dotsPerMetre = 3000;
+            make.exif = MakeExif(3);
+            files.insert(QString("made %1 %2.png").arg(type).arg(interlaced), MakePng(make));
+        }
+    }
+    GifMake gif;
+    gif.frames = 3;
+    gif.transparent = 1;
+    gif.left = 2;
+    files.insert("made.gif", MakeGif(gif));
+    gif.interlaced = true;
+    files.insert("made interlaced.gif", MakeGif(gif));
+    files.insert("made.pgm", "P5 10 10 255\n" + QByteArray(100, 'x'));
+    files.insert("made.ppm", "P3 2 2 255 1 2 3 4 5 6 7 8 9 10 11 12\n");
+    const QByteArray info = Little(40, 4) + Little(16, 4) + Little(8, 4) + Little(1, 2)
+        + Little(8, 2) + Little(1, 4) + QByteArray(20, '\0') + QByteArray(1024, 'c');
+    files.insert("made.bmp",
+                 "BM" + Little(0, 4) + Little(0, 4) + Little(1078, 4) + info
+                     + QByteArray("\x10\x05\0\0\x08\x01\0\4abcd\0\2\1\1\0\1", 18));
+    files.insert("made.ico",
+                 QByteArray("\0\0\1\0\1\0\x10\x08\0\0\1\0\x08\0", 14) + Little(1200, 4)
+                     + Little(22, 4) + Little(40, 4) + Little(16, 4) + Little(16, 4) + Little(1, 2)
+                     + Little(8, 2) + QByteArray(24, '\0') + QByteArray(1024, 'c')
+                     + QByteArray(16 * 8 + 4 * 8, '\3'));
+    return files;
+}
+
 } // namespace quillane::making

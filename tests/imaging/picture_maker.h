@@ -2,7 +2,8 @@
 // Makes picture files in memory for the tests, with the libraries' own writers or byte by byte.
 #include <QByteArray>
 #include <QImage>
-#include <functional>
+#include <QMap>
+#include <QString>
 
 namespace quillane::making {
 
@@ -57,5 +58,8 @@ QByteArray MakeGif(const GifMake& make);
 
 /// A valid profile of a wide colour space, in which full green lies far outside sRGB.
 QByteArray MakeWideProfile();
+
+/// Small pictures of every format that is read in this process and of their main kinds, by names.
+QMap<QString, QByteArray> MadePictures();
 
 } // namespace quillane::making
