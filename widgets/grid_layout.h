@@ -54,10 +54,19 @@ public:
     QPoint ScrolledTo(int index, QPoint scroll) const;
 
 private:
-    int Lines() const;     ///< rows of cells, or columns in Flow::Columns
-    int Gap() const;       ///< between two cells along a line
-    int CellWidth() const; ///< in the present flow
-    int Mirrored(int x, int width) const;
+    /// Along a line of cells (u) and across the lines (v), before mirroring.
+    struct Axes {
+        int cellU = 1, gapU = 0;
+        int cellV = 1, gapV = 0;
+        int perLine = 1;
+    };
+    Axes CurrentAxes() const;
+    int LineCount(const Axes& axes) const;
+    /// A rectangle of content coordinates in u (left, width) and v (top, height), or back.
+    QRect ToLogical(const QRect& area) const;
+    QRect FromLogical(const QRect& area) const;
+    QRect Mirrored(const QRect& area) const;
+    int WholeLinesInView(const Axes& axes) const;
 
     Flow mFlow = Flow::Rows;
     Metrics mMetrics;

@@ -59,7 +59,8 @@ private:
     SelectionSet mSet;
     SelectionSet mBeforeBand;
     int mCurrent = -1;
-    int mDeferred = -1; ///< pressed item whose single selection waits for the release
+    int mDeferred = -1;            ///< pressed item whose change waits for the release
+    bool mDeferredToggles = false; ///< the change: out of the selection, else selected alone
     Qt::KeyboardModifiers mBandModifiers;
 };
 

@@ -89,12 +89,18 @@ protected:
     /// What is drawn behind the cells.
     virtual void PaintBackground(QPainter&, const QRect&) { }
 
-    // For the owner of the content: call these with every change of it.
+    /// Whether a press at a point of the viewport on that cell may become a drag of files; else
+    /// moving on draws a rubber band.
+    virtual bool StartsDrag(int, const QPoint&) const { return true; }
+
+    // For the owner of the content: call these after every change of it.
     void CellsAppended(int count);
     void CellsInserted(int index, int count);
     void CellsRemoved(int index, int count);
     void CellsCleared();
     void CellsPermuted(const QVector<int>& order);
+    /// Makes a cell current and selects it alone; -1 selects none.
+    void SelectOnly(int index);
     void UpdateCell(int index);
     /// Places are worked out again before they are needed.
     void Invalidate();
@@ -117,21 +123,30 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
-    enum class Gesture { None, Pressed, Band, Context };
-    void Tell(const SelectionRules::Change& change, bool byPerson, int pickedIndex);
+    enum class Gesture { None, Pressed, Band };
+    void Tell(const SelectionRules::Change& change);
+    void CountChanged();
+    void QueueUpdate(int firstChanged);
+    void TakeUpdate();
     void TellVisible();
     void SetHovered(int index);
-    void MoveBand(const QPoint& position);
-    void EndGesture();
+    void ScrollTo(const QPoint& position);
+    void PressLeft(int index, QMouseEvent* event);
+    void PressRight(int index, QMouseEvent* event);
+    void BeginBand();
+    void MoveBand();
+    void CancelBand();
+    void ScrollForBand();
     void StartDrag();
-    bool KeyMoves(QKeyEvent* event);
-    void TypeAheadKey(const QString& text);
-    int CellsBeforeType(const QString& wanted, int from) const;
+    bool KeyMoves(const QKeyEvent* event);
+    bool KeyTypes(const QKeyEvent* event);
+    void WantMenuByKey();
     void SpeakFocus();
     QRect BandOnViewport() const;
 
@@ -139,18 +154,21 @@ private:
     SelectionRules mRules;
     TypeAhead mTypeAhead;
     DragHandler mDragHandler;
-    GridLayout::Range mLastVisible{-1, -2};
+    GridLayout::Range mLastVisible;
     bool mDirty = true;
     bool mUpdateQueued = false;
+    int mFirstChanged = 0; ///< what has changed since the last update, from here on
     int mLayoutCount = 0;
     int mHovered = -1;
     Gesture mGesture = Gesture::None;
     int mPressedIndex = -1;
+    bool mMayDrag = false;
     QPoint mPressPosition; ///< viewport
     QPoint mBandOrigin;    ///< content
     QPoint mMouse;         ///< viewport, during a rubber band
     QBasicTimer mAutoScroll;
-    double mWheelRest = 0; ///< pixels not scrolled yet
+    QPointF mWheelRest;      ///< pixels not scrolled yet
+    bool mMenuByKey = false; ///< the menu key that is down has been answered
 };
 
 } // namespace quillane

@@ -1,13 +1,12 @@
 #pragma once
 #include "widgets/file_order.h"
 #include "widgets/file_rows.h"
-#include "widgets/selection_set.h"
+#include "widgets/grid_layout.h"
 #include <QDateTime>
 #include <QIcon>
 #include <QPoint>
 #include <QWidget>
 #include <functional>
-#include <memory>
 
 class QHeaderView;
 
@@ -99,18 +98,24 @@ Q_SIGNALS:
     /// Rows have moved: row i is now what row order[i] was. Selection and current row followed.
     void rowsReordered(const QVector<int>& order);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
+    void MakeHeader();
+    void Connect(FileCells* cells);
     void HeadingClicked(int column);
     void ApplyOrder(const QVector<int>& order);
-    void RowsChanged();
-    void Connect(FileCells* cells);
+    void ShowSortMark();
+    void SortAgain();
+    void FitColumns();
+    FileCells* Hidden() const;
 
     FileRows mRows;
     FileCells* mIcons;
     FileCells* mDetails;
-    QHeaderView* mHeader;
-    std::unique_ptr<FileSorter> mSorter;
-    DateText mDateText;
+    QHeaderView* mHeader = nullptr;
+    FileSorter mSorter;
     TagTexts mCaptions;
     int mStyle = kDetails;
     bool mSorted = true;

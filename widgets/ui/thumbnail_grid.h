@@ -75,7 +75,7 @@ protected:
                    const CellState& state) override;
     QPixmap DragPicture(int index) const override;
     void UpdateMetrics() override;
-    bool event(QEvent* event) override;
+    void PaintBackground(QPainter& painter, const QRect& rect) override;
 
 private:
     struct Cell {
@@ -84,9 +84,11 @@ private:
         qint32 width, height; ///< of the picture itself; 0 unknown
     };
     bool Has(int index) const { return index >= 0 && size_t(index) < mCells.size(); }
-    bool NeedsThumbnail(int index) const;
+    bool NeedsThumbnail(const Cell& cell) const;
     void QueueWanted();
-    void FitBudget();
+    void Forget(const Cell& cell);
+    void UpdateCellOf(quint32 id);
+    QRect BoxIn(const QRect& cell) const;
     quint32 NewId() { return mNextId++; }
 
     std::vector<Cell> mCells;
@@ -96,6 +98,7 @@ private:
     QMultiHash<QString, quint32> mWanted;
     QSize mBox{100, 100};
     qint64 mBudget;
+    double mShownRatio = 1.0; ///< device pixels a logical one when last painted
     quint32 mNextId = 1;
     bool mWantedQueued = false;
 };
