@@ -33,17 +33,17 @@ std::shared_ptr<const CommentSet> CommentReader::All(const QString& file)
         mEntries.splice(mEntries.begin(), mEntries, found);
         return mEntries.front().set;
     }
-    // Looked at before it is read: a change meanwhile shows at the next look.
-    const FileStat stat = StatPath(file);
-    if (found != mEntries.end() && CommentStatSame(found->stat, stat)) {
-        found->fresh = true;
-        mEntries.splice(mEntries.begin(), mEntries, found);
-        return mEntries.front().set;
-    }
     if (found != mEntries.end()) {
+        if (CommentStatSame(found->stat, StatPath(file))) {
+            found->fresh = true;
+            mEntries.splice(mEntries.begin(), mEntries, found);
+            return mEntries.front().set;
+        }
         mEntries.erase(found);
     }
-    Adopt(file, stat, std::make_shared<const CommentSet>(ReadComments(file)));
+    FileSource source(file);
+    // The stat is from before the reading: a change meanwhile shows at the next look.
+    Adopt(file, source.Stat(), std::make_shared<const CommentSet>(ReadComments(source, file)));
     return mEntries.front().set;
 }
 

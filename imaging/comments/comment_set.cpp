@@ -67,6 +67,11 @@ void CommentSet::Set(qint16 slot, CommentValue value)
 CommentSet ReadComments(const QString& path)
 {
     FileSource source(path);
+    return ReadComments(source, path);
+}
+
+CommentSet ReadComments(FileSource& source, const QString& path)
+{
     sCommentParses.fetch_add(1, std::memory_order_relaxed);
     CommentSet set;
     ResumeNext([&] {

@@ -1,4 +1,5 @@
 #pragma once
+#include "imaging/byte_source.h"
 #include "imaging/comments/comment_value.h"
 #include <utility>
 #include <vector>
@@ -21,6 +22,8 @@ private:
 /// Parses the file's metadata once. What cannot be parsed is absent; Failure only when the
 /// file cannot be opened. Any thread.
 CommentSet ReadComments(const QString& path);
+/// The same of a file that is open; its name is only a hint at what it holds. Never fails.
+CommentSet ReadComments(FileSource& source, const QString& path);
 /// How many files ReadComments has looked into since the program began, over all threads.
 qint64 CommentParseCount();
 

@@ -13,6 +13,8 @@ namespace {
 constexpr quint16 kLiftExifPointer = 0x8769;
 constexpr quint16 kLiftGpsPointer = 0x8825;
 constexpr quint16 kLiftLong = 4;
+constexpr quint16 kLiftLong8 = 16; ///< types of BigTIFF alone
+constexpr quint16 kLiftIfd8 = 18;
 constexpr int kLiftMaxEntries = 1000; ///< of one directory; real ones have a few dozen
 /// Bytes of one value by type 1 to 12 (TIFF 6.0, section 2); type 13 is a LONG.
 constexpr quint8 kLiftTypeBytes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4};
@@ -83,6 +85,13 @@ private:
     /// A count or an offset, as wide as the structure has them.
     qint64 Number(const uchar* p) const { return mWide ? Wide(p) : qint64(Long(p)); }
 
+    /// A directory's place in an entry; a BigTIFF may have it 32 bits wide too.
+    qint64 Pointer(const uchar* p, quint16 type) const
+    {
+        const bool wide = mWide && (type == kLiftLong8 || type == kLiftIfd8);
+        return wide ? Wide(p) : qint64(Long(p));
+    }
+
     /// Place of the first directory, 0 for no TIFF structure.
     qint64 ReadMark()
     {
@@ -139,11 +148,11 @@ private:
         const quint16 type = Short(p + 2);
         const uchar* value = p + (mWide ? 12 : 8);
         if (home == SlotHome::TiffDirectory && tag == kLiftExifPointer) {
-            mExifAt = Number(value);
+            mExifAt = Pointer(value, type);
             return;
         }
         if (home == SlotHome::TiffDirectory && tag == kLiftGpsPointer) {
-            mGpsAt = Number(value);
+            mGpsAt = Pointer(value, type);
             return;
         }
         const CommentSlot* slot = SlotOf(home, tag);
