@@ -60,10 +60,11 @@ ProfileTransformPtr ProfileMake(const QByteArray& icc, cmsUInt32Number format)
         return made;
     }
     const cmsHPROFILE to = cmsCreate_sRGBProfile();
-    const cmsColorSpaceSignature space = cmsGetColorSpace(from);
-    const bool fits = (T_COLORSPACE(format) == PT_RGB && space == cmsSigRgbData)
-        || (T_COLORSPACE(format) == PT_GRAY && space == cmsSigGrayData)
-        || (T_COLORSPACE(format) == PT_CMYK && space == cmsSigCmykData);
+    // A number, because a profile may claim one that the enumeration does not have.
+    const cmsUInt32Number space = cmsUInt32Number(cmsGetColorSpace(from));
+    const bool fits = (T_COLORSPACE(format) == PT_RGB && space == cmsUInt32Number(cmsSigRgbData))
+        || (T_COLORSPACE(format) == PT_GRAY && space == cmsUInt32Number(cmsSigGrayData))
+        || (T_COLORSPACE(format) == PT_CMYK && space == cmsUInt32Number(cmsSigCmykData));
     if (to && fits) {
         // Without its one-pixel cache a transform may serve several threads at once.
         made->handle = cmsCreateTransform(from, format, to, TYPE_BGRA_8, INTENT_PERCEPTUAL,
