@@ -81,6 +81,9 @@ bool MakeFolder(const QString& folder, quint32 mode = 0777);
 QDateTime ModifiedTime(const FileStat& stat);
 /// False when the file cannot be removed; a link goes, not its target; a folder stays.
 bool RemoveFile(const QString& path);
+/// Gives a file or folder another name on the same volume and never replaces what is there.
+/// Failure kFailureNoFile, kFailureDenied, kFailureIo; kFailureIo too when `to` exists.
+void RenamePath(const QString& from, const QString& to);
 
 /// How often the system was asked.
 struct PathCalls {
