@@ -21,7 +21,7 @@ QStringList CheckTestManners(const SourceFile& file);
 QStringList CheckLength(const SourceFile& file);
 /// Nothing is marked as left undone.
 QStringList CheckLeftUndone(const SourceFile& file);
-/// Headers begin with #pragma once; no file imports a namespace as a whole.
+/// Headers begin with #pragma once; no file but a benchmark imports a whole namespace.
 QStringList CheckHeaders(const SourceFile& file);
 /// Every function declared in a header, private members excepted, has a docstring: "///" above
 /// it, behind it, or above the run of declarations it stands in. One-line inline functions,

@@ -199,6 +199,8 @@ TEST(CheckHeaders, ComplainsOfMissingGuardsAndImportedNamespaces)
     EXPECT_EQ(Complaints(CheckHeaders, "core/a.h", "int a;\n#pragma once\n"), 1);
     EXPECT_EQ(Complaints(CheckHeaders, "core/a.cpp", "int a;\n"), 0);
     EXPECT_EQ(Complaints(CheckHeaders, "core/a.cpp", "using namespace std;\n"), 1);
+    EXPECT_EQ(Complaints(CheckHeaders, "tests/core/a_test.cpp", "using namespace std;\n"), 1);
+    EXPECT_EQ(Complaints(CheckHeaders, "bench/a_bench.cpp", "using namespace std;\n"), 0);
     EXPECT_EQ(Complaints(CheckHeaders, "core/a.cpp", "void F()\n{\n    using namespace std;\n}\n"),
               0);
 }
