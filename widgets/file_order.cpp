@@ -2,10 +2,8 @@
 
 #include "core/paths.h"
 
-#include <QMetaObject>
-#include <QMutex>
-#include <QThreadPool>
 #include <algorithm>
+#include <memory>
 #include <numeric>
 
 namespace quillane {
@@ -108,22 +106,8 @@ QVector<int> SortedOrder(const SortInput& input)
     return OrderByKeys(keys, input.order, [](const QString& key) { return key.isEmpty(); });
 }
 
-/// Outlives the sorter while a thread still sorts for it.
-struct FileSorter::Link {
-    QMutex mutex;
-    FileSorter* sorter = nullptr;
-};
-
-FileSorter::FileSorter(QObject* parent) : QObject(parent), mLink(std::make_shared<Link>())
-{
-    mLink->sorter = this;
-}
-
-FileSorter::~FileSorter()
-{
-    const QMutexLocker lock(&mLink->mutex);
-    mLink->sorter = nullptr;
-}
+FileSorter::FileSorter(QObject* parent) : QObject(parent), mJobs(1)
+{ }
 
 void FileSorter::Sort(SortInput input)
 {
@@ -134,21 +118,14 @@ void FileSorter::Sort(SortInput input)
         return;
     }
     mBusy = true;
-    QThreadPool::globalInstance()->start([link = mLink, ticket, input = std::move(input)] {
-        const QVector<int> order = SortedOrder(input);
-        const QMutexLocker lock(&link->mutex);
-        if (FileSorter* sorter = link->sorter) {
-            QMetaObject::invokeMethod(
-                sorter,
-                [sorter, ticket, order] {
-                    if (sorter->mBusy && ticket == sorter->mTicket) {
-                        sorter->mBusy = false;
-                        Q_EMIT sorter->sorted(order);
-                    }
-                },
-                Qt::QueuedConnection);
-        }
-    });
+    const auto order = std::make_shared<QVector<int>>();
+    mJobs.Run([order, input = std::move(input)] { *order = SortedOrder(input); },
+              [this, order, ticket] {
+                  if (mBusy && ticket == mTicket) {
+                      mBusy = false;
+                      Q_EMIT sorted(*order);
+                  }
+              });
 }
 
 void FileSorter::Cancel()

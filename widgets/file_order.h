@@ -1,10 +1,10 @@
 #pragma once
 // The order of the file list's rows: keys worked out once, sorted off the window thread.
+#include "widgets/background_jobs.h"
 #include "widgets/file_rows.h"
 #include <QObject>
 #include <QString>
 #include <QVector>
-#include <memory>
 
 namespace quillane {
 
@@ -31,7 +31,6 @@ class FileSorter : public QObject {
     Q_OBJECT
 public:
     explicit FileSorter(QObject* parent = nullptr);
-    ~FileSorter() override;
 
     /// Up to so many rows are sorted at once.
     static constexpr int kSortedAtOnce = 2000;
@@ -45,8 +44,7 @@ Q_SIGNALS:
     void sorted(const QVector<int>& order);
 
 private:
-    struct Link;
-    std::shared_ptr<Link> mLink; ///< between this object and the sorting thread
+    BackgroundJobs mJobs;
     quint64 mTicket = 0;
     bool mBusy = false;
 };

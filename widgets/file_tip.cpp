@@ -21,7 +21,7 @@ QString FileTipText(const char* text)
 
 QString FileTip(const QString& path, QSize pixels, const QString& failure)
 {
-    QStringList lines{QStringLiteral("<b>%1</b>").arg(ShownName(LeafName(path)).toHtmlEscaped())};
+    QStringList lines{QStringLiteral("<b>%1</b>").arg(DisplayName(LeafName(path)).toHtmlEscaped())};
     QStringList facts;
     if (!pixels.isEmpty()) {
         facts.append(QStringLiteral("%1 \u00d7 %2").arg(pixels.width()).arg(pixels.height()));

@@ -1,6 +1,8 @@
 #pragma once
+#include "widgets/background_jobs.h"
 #include "widgets/folder_reader.h"
 #include <QAbstractItemModel>
+#include <QHash>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -40,7 +42,7 @@ public:
     QString Path(const QModelIndex& index) const; ///< without a separator at its end, but for "/"
     bool IsFolder(const QModelIndex& index) const;
     /// Runs something off this thread with an answer on it.
-    FolderReader& Reader() { return mReader; }
+    BackgroundJobs& Jobs() { return mJobs; }
 
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
     QModelIndex parent(const QModelIndex& index) const override;
@@ -67,6 +69,8 @@ private:
     struct Node;
     Node* NodeOf(const QModelIndex& index) const;
     QModelIndex IndexOf(const Node& node) const;
+    void Register(Node& node);
+    void Unregister(const Node& node);
     void Read(Node& node);
     void Take(Node& node, const FolderContent& content);
     void AskForSubfolders(Node& node);
@@ -74,7 +78,9 @@ private:
     Node* TopFor(const QString& path, const QModelIndex& near) const;
 
     std::unique_ptr<Node> mRoot;
-    FolderReader mReader;
+    QHash<quint64, Node*> mNodes; ///< by their numbers
+    quint64 mLastId = 0;
+    BackgroundJobs mJobs;
     QPersistentModelIndex mEditable;
     bool mShowFiles = false;
 };

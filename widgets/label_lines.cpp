@@ -33,7 +33,7 @@ qsizetype UnitsThatFit(const QString& text, const QFontMetrics& metrics, int wid
 
 } // namespace
 
-QString ShownName(const QString& name)
+QString DisplayName(const QString& name)
 {
     QString shown = name;
     for (qsizetype at = 0; at < shown.size(); ++at) {
@@ -50,7 +50,7 @@ QString ShownName(const QString& name)
 
 QStringList LabelLines(const QString& name, const QFontMetrics& metrics, int width)
 {
-    QString text = ShownName(name);
+    QString text = DisplayName(name);
     if (text.size() > kLongestLabel) {
         text = text.left(kLongestLabel / 2) + QChar(0x2026) + text.right(kLongestLabel / 2);
     }

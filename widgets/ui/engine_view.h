@@ -1,8 +1,8 @@
 #pragma once
 #include "imaging/engine.h"
+#include "widgets/background_jobs.h"
 #include <QAbstractScrollArea>
 #include <QImage>
-#include <QPixmap>
 
 namespace quillane {
 
@@ -49,16 +49,22 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void changeEvent(QEvent* event) override;
-    bool viewportEvent(QEvent* event) override;
 
 private:
     double Zoom() const; ///< device pixels for a pixel of the picture
     QSize ShownDevicePixels() const;
+    QSize ViewDevicePixels() const;
+    QPoint OriginDevice() const; ///< top left of the picture, device pixels of the viewport
     void UpdateScrollBars();
     void PaintPicture(QPainter& painter, const QRect& exposed);
+    void PaintReduced(QPainter& painter, const QRect& target);
+    void MakeReduced(QSize size);
 
     QImage mImage;
-    QImage mReduced; ///< the picture at the zoom shown, when that is below 100 %
+    QImage mReduced;    ///< the picture as last made smaller
+    QSize mReducedWish; ///< size that is being made
+    quint64 mShown = 0; ///< numbers the pictures
+    BackgroundJobs mJobs;
     qint32 mMode = kPaintNormal;
     qint32 mScalar = 100;
     bool mAutoScroll = true;

@@ -156,8 +156,8 @@ void FileCells::UpdateMetrics()
         // As wide as the longest of the first names, so that what comes later moves nothing.
         const int measure = std::min(mRows.Count(), kMostMeasured);
         for (; mMeasured < measure; ++mMeasured) {
-            mLongestName = std::max(mLongestName,
-                                    fontMetrics().horizontalAdvance(ShownName(TextAt(mMeasured))));
+            mLongestName = std::max(
+                mLongestName, fontMetrics().horizontalAdvance(DisplayName(TextAt(mMeasured))));
         }
         metrics.cell = QSize(std::clamp(mLongestName, kNarrowestName, kWidestName) + kSmallIcon
                                  + 4 * kFileCellPad,
@@ -210,7 +210,7 @@ bool FileCells::StartsDrag(int index, const QPoint& position) const
     // Beside the name a rubber band begins, as the rows leave no other room for it.
     const int left = mHeader->sectionViewportPosition(kColumnName);
     const int text =
-        fontMetrics().horizontalAdvance(ShownName(TextAt(index))) + kSmallIcon + 4 * kFileCellPad;
+        fontMetrics().horizontalAdvance(DisplayName(TextAt(index))) + kSmallIcon + 4 * kFileCellPad;
     const int width = std::min(mHeader->sectionSize(kColumnName), text);
     const int from = isRightToLeft() ? left + mHeader->sectionSize(kColumnName) - width : left;
     return position.x() >= from && position.x() < from + width;
@@ -266,9 +266,9 @@ void FileCells::PaintCell(QPainter& painter, const QRect& rect, int index, const
     }
     IconOf(index, false).paint(&painter, icon, Qt::AlignCenter, mode);
     painter.setPen(colour);
-    painter.drawText(
-        text, int(Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine),
-        painter.fontMetrics().elidedText(ShownName(TextAt(index)), Qt::ElideMiddle, text.width()));
+    painter.drawText(text, int(Qt::AlignLeading | Qt::AlignVCenter | Qt::TextSingleLine),
+                     painter.fontMetrics().elidedText(DisplayName(TextAt(index)), Qt::ElideMiddle,
+                                                      text.width()));
 }
 
 void FileCells::PaintDetails(QPainter& painter, const QRect& rect, int row, const QColor& colour)
@@ -300,8 +300,8 @@ void FileCells::PaintDetails(QPainter& painter, const QRect& rect, int row, cons
         painter.drawText(text,
                          int((number ? Qt::AlignTrailing : Qt::AlignLeading) | Qt::AlignVCenter
                              | Qt::TextSingleLine),
-                         painter.fontMetrics().elidedText(ShownName(ColumnText(row, column)), elide,
-                                                          text.width()));
+                         painter.fontMetrics().elidedText(DisplayName(ColumnText(row, column)),
+                                                          elide, text.width()));
     }
 }
 

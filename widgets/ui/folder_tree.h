@@ -1,5 +1,6 @@
 #pragma once
 #include "platform/dialogs.h"
+#include "widgets/folder_reader.h"
 #include "widgets/folder_tree_model.h"
 #include <QTreeView>
 
@@ -45,16 +46,20 @@ protected:
     QSize sizeHint() const override;
 
 private:
-    void Located(quint64 ticket, const QString& path, bool isFolder);
+    void Locate(const QString& path);
+    void Located(quint64 ticket, const LocatedPath& located);
     void TellSelected(const QModelIndex& index);
     void Renamed(const QModelIndex& index, const QString& name);
+    void RowsGoing(const QModelIndex& parent, int first, int last);
+    void FolderRead(const QString& path);
 
     Dialogs& mDialogs;
     FolderTreeModel* mModel;
     quint64 mTickets = 0;
-    quint64 mSelecting = 0; ///< ticket of the Select on its way, 0 for none
-    bool mQuiet = false;    ///< the tree itself moves the current node
-    bool mEditNext = false; ///< the folder being selected is a new one, to be named
+    quint64 mSelecting = 0;    ///< ticket of the selection on its way, 0 for none
+    bool mQuiet = false;       ///< the tree itself moves the current node
+    bool mEditNext = false;    ///< the folder being selected is a new one, to be named
+    bool mKeepInSight = false; ///< folders above the selected one are still being read
 };
 
 } // namespace quillane
