@@ -46,9 +46,10 @@ void CheckSides(const char* format, qint64 width, qint64 height)
 QImage NewImage(const char* format, qint64 width, qint64 height, QImage::Format layout)
 {
     CheckSides(format, width, height);
-    const qint64 bits = QImage::toPixelFormat(layout).bitsPerPixel();
-    const qint64 rowBytes = (width * bits + 31) / 32 * 4;
-    if (width * height > limits::kMaxPixels || rowBytes * height > limits::kMaxPictureBytes) {
+    // What is kept in less than the screen's four bytes a pixel must still fit when it is shown.
+    const qint64 bits = std::max<qint64>(QImage::toPixelFormat(layout).bitsPerPixel(), 32);
+    if (width * height > limits::kMaxPixels
+        || width * height * bits / 8 > limits::kMaxPictureBytes) {
         TooMuch(format, QStringLiteral("has %1 x %2 pixels").arg(width).arg(height));
     }
     QImage image(int(width), int(height), layout);

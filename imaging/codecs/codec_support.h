@@ -20,7 +20,7 @@ namespace quillane::codecs {
 /// kMaxSide. To be asked by every probe.
 void CheckSides(const char* format, qint64 width, qint64 height);
 /// An uninitialised image; refuses what CheckSides refuses, more than kMaxPixels pixels, more
-/// than kMaxPictureBytes bytes, and what the system has no memory for.
+/// than kMaxPictureBytes bytes (in memory or on the screen), and what the system has no memory for.
 QImage NewImage(const char* format, qint64 width, qint64 height, QImage::Format layout);
 
 /// Failure kFailureCancelled when the request was called off.

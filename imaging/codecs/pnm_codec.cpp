@@ -75,8 +75,11 @@ struct PnmHeader {
 PnmHeader PnmReadHeader(ByteStream& stream)
 {
     PnmHeader header;
-    stream.Next();
+    const bool marked = stream.Next() == 'P';
     header.kind = stream.Next() - '0';
+    if (!marked || header.kind < 1 || header.kind > 6) {
+        Damaged(kPnmName, QStringLiteral("it does not begin as one"));
+    }
     header.width = PnmNumber(stream);
     header.height = PnmNumber(stream);
     if (!header.IsBits()) {

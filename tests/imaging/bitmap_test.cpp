@@ -299,6 +299,17 @@ TEST(BitmapToDisplay, AnUnusableProfileCountsAsNone)
               Bitmap(ink, ColourModel::Cmyk, 32).ToDisplay().pixel(0, 0));
 }
 
+TEST(BitmapToDisplay, AProfileOfAnUnknownColourSpaceCountsAsNone)
+{
+    QImage pixels(1, 1, QImage::Format_RGB32);
+    pixels.fill(qRgb(200, 100, 50));
+    QByteArray icc = making::MakeWideProfile();
+    icc.replace(16, 4, "\x81\x47\x11\xe0");
+    Bitmap bitmap(pixels, ColourModel::Rgb, 24);
+    bitmap.SetIcc(icc);
+    EXPECT_EQ(bitmap.ToDisplay().pixel(0, 0), qRgb(200, 100, 50));
+}
+
 TEST(BitmapToDisplay, AGreyPictureMayCarryAColourProfile)
 {
     QImage pixels(1, 1, QImage::Format_Grayscale8);

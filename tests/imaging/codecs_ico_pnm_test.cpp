@@ -168,6 +168,17 @@ TEST(PnmCodec, RefusesWithWords)
     EXPECT_EQ(words("P5 3 3 255\n"), "This PNM is damaged: it ends before its first row.");
 }
 
+TEST(PnmCodec, OtherBeginningsAreRefusedEvenWhenAsked)
+{
+    for (const QByteArray& bytes : {QByteArray("P-3 2 2 255 1"), QByteArray("Q3 2 2 255 1"),
+                                    QByteArray("P7 2 2 255 1"), QByteArray("P"), QByteArray()}) {
+        MemorySource source(bytes);
+        const Codec& codec = making::CodecFor("P3 1");
+        EXPECT_EQ(RefusalOf([&] { codec.probe(source); }).words,
+                  "This PNM is damaged: it does not begin as one.");
+    }
+}
+
 TEST(PnmCodec, BlanksWithoutEndAreNotRead)
 {
     const QByteArray bytes = "P2 2 2 255 1 " + QByteArray(20'000'000, ' ');
