@@ -258,11 +258,6 @@ bool FolderTreeModel::IsFolder(const QModelIndex& index) const
     return index.isValid() && NodeOf(index)->isFolder;
 }
 
-bool FolderTreeModel::IsReading() const
-{
-    return mJobs.Waiting() > 0;
-}
-
 void FolderTreeModel::SetShowFiles(bool on)
 {
     if (on != mShowFiles) {
@@ -289,10 +284,12 @@ void FolderTreeModel::Read(Node& node)
         return;
     }
     node.state = Node::State::Reading;
+    ++mReading;
     const auto content = std::make_shared<FolderContent>();
     mJobs.Run(
         [content, path = node.Path(), files = mShowFiles] { *content = ReadFolder(path, files); },
         [this, content, id = node.id] {
+            --mReading;
             if (Node* read = mNodes.value(id)) {
                 Take(*read, *content);
             }

@@ -31,7 +31,7 @@ public:
     bool ShowFiles() const { return mShowFiles; }
     /// Reads every folder again that has been read; nodes that are still there stay.
     void Refresh();
-    bool IsReading() const;
+    bool IsReading() const { return mReading > 0; } ///< some folder's content is on its way
 
     /// The node of a path, in the branch of `near` if it is there, else of the top node that is
     /// closest; nodes on the way are made where they are missing. Invalid for a path under no top
@@ -82,6 +82,7 @@ private:
     quint64 mLastId = 0;
     BackgroundJobs mJobs;
     QPersistentModelIndex mEditable;
+    int mReading = 0; ///< folders being read
     bool mShowFiles = false;
 };
 

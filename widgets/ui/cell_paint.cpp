@@ -105,7 +105,7 @@ void PaintPending(QPainter& painter, const QRect& box, QSize pixels, const QPale
     painter.restore();
 }
 
-void PaintBroken(QPainter& painter, const QRect& box, const QPalette& palette)
+void PaintBroken(QPainter& painter, const QRect& box, const QColor& colour)
 {
     // A picture of a hill and a sun, torn from top to bottom.
     const double side = std::min(box.width(), box.height());
@@ -113,7 +113,7 @@ void PaintBroken(QPainter& painter, const QRect& box, const QPalette& palette)
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(QRectF(box).center() - page.center());
-    const QColor ink = Faint(palette.color(QPalette::Text), 130);
+    const QColor ink = Faint(colour, 130);
     const double tear = page.width() * 0.52;
     const double step = page.width() * 0.07;
     const double gap = page.width() * 0.07;
@@ -140,7 +140,7 @@ void PaintBroken(QPainter& painter, const QRect& box, const QPalette& palette)
     right.closeSubpath();
 
     painter.setPen(QPen(ink, 1.5, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
-    painter.setBrush(Faint(palette.color(QPalette::Text), 18));
+    painter.setBrush(Faint(colour, 18));
     painter.drawPath(left);
     painter.drawPath(right);
 
@@ -150,7 +150,7 @@ void PaintBroken(QPainter& painter, const QRect& box, const QPalette& palette)
     hill.lineTo(page.width() * 0.40, page.height() * 0.88);
     hill.closeSubpath();
     painter.setPen(Qt::NoPen);
-    painter.setBrush(Faint(palette.color(QPalette::Text), 80));
+    painter.setBrush(Faint(colour, 80));
     painter.drawPath(hill);
     painter.drawEllipse(QPointF(page.width() * 0.80, page.height() * 0.28), page.height() * 0.10,
                         page.height() * 0.10);

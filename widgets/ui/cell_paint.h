@@ -33,8 +33,8 @@ void PaintThumbnail(QPainter& painter, const QRect& box, const QPixmap& picture,
                     const QPalette& palette);
 /// The quiet frame of a picture that is not there yet; `pixels` gives its shape when known.
 void PaintPending(QPainter& painter, const QRect& box, QSize pixels, const QPalette& palette);
-/// The mark of a picture that cannot be shown.
-void PaintBroken(QPainter& painter, const QRect& box, const QPalette& palette);
+/// The mark of a picture that cannot be shown, in the colour of the text.
+void PaintBroken(QPainter& painter, const QRect& box, const QColor& colour);
 /// A stock picture, centred.
 void PaintStock(QPainter& painter, const QRect& box, const QIcon& icon);
 

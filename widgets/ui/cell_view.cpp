@@ -13,6 +13,7 @@
 #include <QToolTip>
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace quillane {
 
@@ -63,6 +64,10 @@ void CellView::SelectOnly(int index)
 void CellView::EnsureVisible(int index)
 {
     if (index < 0 || index >= Count()) {
+        return;
+    }
+    if (!isVisible()) {
+        mWantedInSight = index; // its size is not known yet
         return;
     }
     SyncLayout();
@@ -158,6 +163,7 @@ void CellView::CellsCleared()
     horizontalScrollBar()->setRange(0, 0);
     verticalScrollBar()->setRange(0, 0);
     mLastVisible = {};
+    mWantedInSight = -1;
     Tell(change);
 }
 
@@ -210,6 +216,9 @@ void CellView::SyncLayout()
 {
     // A scroll bar that comes or goes changes the viewport, and with it the places.
     constexpr int kMostRounds = 3;
+    const bool dirty = mDirty;
+    const GridLayout before = mLayout;
+    const QPoint scroll = ScrollPosition();
     for (int round = 0; mDirty && round < kMostRounds; ++round) {
         mDirty = false;
         ++mLayoutCount;
@@ -227,6 +236,29 @@ void CellView::SyncLayout()
         verticalScrollBar()->setPageStep(view.height());
         horizontalScrollBar()->setRange(0, std::max(0, content.width() - view.width()));
         verticalScrollBar()->setRange(0, std::max(0, content.height() - view.height()));
+    }
+    if (dirty) {
+        KeepInPlace(before, scroll);
+    }
+}
+
+void CellView::KeepInPlace(const GridLayout& before, const QPoint& scroll)
+{
+    const bool sameLines = before.CurrentFlow() == mLayout.CurrentFlow()
+        && before.CellsPerLine() == mLayout.CellsPerLine()
+        && before.LineStep() == mLayout.LineStep();
+    if (sameLines || scroll.isNull()) {
+        return;
+    }
+    // Lines of another length: the current cell stays in sight if it was, else the first one that
+    // was seen stays where it is.
+    const GridLayout::Range seen = before.Touching(QRect(scroll, viewport()->size()));
+    const int current = Current();
+    if (current >= seen.first && current <= seen.last) {
+        ScrollTo(mLayout.ScrolledTo(current, ScrollPosition()));
+    } else if (!seen.IsEmpty()) {
+        const QPoint shift = before.CellRect(seen.first).topLeft() - scroll;
+        ScrollTo(mLayout.CellRect(seen.first).topLeft() - shift);
     }
 }
 
@@ -356,6 +388,7 @@ void CellView::showEvent(QShowEvent* event)
 {
     QAbstractScrollArea::showEvent(event);
     Invalidate();
+    EnsureVisible(std::exchange(mWantedInSight, -1));
 }
 
 void CellView::focusInEvent(QFocusEvent* event)

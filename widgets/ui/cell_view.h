@@ -137,6 +137,7 @@ private:
     void TellVisible();
     void SetHovered(int index);
     void ScrollTo(const QPoint& position);
+    void KeepInPlace(const GridLayout& before, const QPoint& scroll);
     void PressLeft(int index, QMouseEvent* event);
     void PressRight(int index, QMouseEvent* event);
     void BeginBand();
@@ -159,6 +160,7 @@ private:
     bool mUpdateQueued = false;
     int mFirstChanged = 0; ///< what has changed since the last update, from here on
     int mLayoutCount = 0;
+    int mWantedInSight = -1; ///< to be brought into view once the view is shown
     int mHovered = -1;
     Gesture mGesture = Gesture::None;
     int mPressedIndex = -1;

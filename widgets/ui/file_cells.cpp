@@ -21,7 +21,7 @@ constexpr int kLargeCellWidth = 112;
 constexpr int kFileCellPad = 4;
 constexpr int kFileCellSpacing = 4;
 constexpr int kNarrowestName = 120;
-constexpr int kWidestName = 360;
+constexpr int kWidestName = 280;
 constexpr int kMostMeasured = 2000; // names whose width is measured for the column
 
 QString SystemShortDate(const QDateTime& when)

@@ -14,7 +14,7 @@ namespace quillane {
 namespace {
 
 // Widths of the columns in average characters.
-constexpr int kColumnChars[kFileColumns] = {32, 13, 20, 18, 18, 18, 18};
+constexpr int kColumnChars[kFileColumns] = {34, 14, 26, 18, 18, 18, 18};
 
 /// Headings alone: the rows are painted without a model.
 class HeadingModel : public QAbstractTableModel {

@@ -12,6 +12,7 @@
 #include <QMouseEvent>
 #include <QPointer>
 #include <QStyledItemDelegate>
+#include <algorithm>
 #include <memory>
 
 namespace quillane {
@@ -63,8 +64,9 @@ FolderTree::FolderTree(Dialogs& dialogs, QWidget* parent)
     setTextElideMode(Qt::ElideMiddle);
     setExpandsOnDoubleClick(true);
     // Long names may be scrolled to instead of being squeezed.
-    header()->setStretchLastSection(false);
-    header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    header()->setStretchLastSection(true);
+    connect(this, &QTreeView::expanded, this, &FolderTree::FitColumn);
+    connect(this, &QTreeView::collapsed, this, &FolderTree::FitColumn);
     connect(mModel, &FolderTreeModel::renameWanted, this, &FolderTree::Renamed);
     connect(mModel, &FolderTreeModel::rowsAboutToBeRemoved, this, &FolderTree::RowsGoing);
     connect(mModel, &FolderTreeModel::folderRead, this, &FolderTree::FolderRead);
@@ -112,7 +114,7 @@ void FolderTree::Located(quint64 ticket, const LocatedPath& located)
     mQuiet = true;
     setCurrentIndex(index);
     mQuiet = false;
-    scrollTo(index);
+    BringInSight(index);
     mKeepInSight = true;
     const QPersistentModelIndex node(index);
     const bool name = std::exchange(mEditNext, false);
@@ -199,6 +201,7 @@ void FolderTree::currentChanged(const QModelIndex& current, const QModelIndex& p
     // What a person chose takes the place of a selection that is still on its way.
     mSelecting = 0;
     mEditNext = false;
+    mKeepInSight = false;
     TellSelected(current);
 }
 
@@ -217,15 +220,44 @@ void FolderTree::RowsGoing(const QModelIndex& parent, int first, int last)
     }
 }
 
+void FolderTree::BringInSight(const QModelIndex& index)
+{
+    const QRect place = visualRect(index);
+    const bool seen = !place.isEmpty() && place.top() >= 0 && place.bottom() < viewport()->height();
+    scrollTo(index, seen ? EnsureVisible : PositionAtCenter);
+}
+
+void FolderTree::FitColumn()
+{
+    // As wide as the view, or wider where a name needs it.
+    header()->setMinimumSectionSize(std::max(1, sizeHintForColumn(0)));
+}
+
 void FolderTree::FolderRead(const QString&)
 {
-    // What was read above the selected node may have pushed it out of sight; a person who has
-    // scrolled on meanwhile is left alone.
-    if (mModel->IsReading() || !mKeepInSight) {
-        return;
+    FitColumn();
+    // What was read above the node just selected pushes it down.
+    if (mKeepInSight) {
+        mKeepInSight = mModel->IsReading();
+        BringInSight(currentIndex());
     }
+}
+
+void FolderTree::focusInEvent(QFocusEvent* event)
+{
+    // The base class would make the first node current, as if a person had chosen it.
+    if (currentIndex().isValid()) {
+        QTreeView::focusInEvent(event);
+    } else {
+        QAbstractScrollArea::focusInEvent(event);
+        viewport()->update();
+    }
+}
+
+void FolderTree::wheelEvent(QWheelEvent* event)
+{
     mKeepInSight = false;
-    scrollTo(currentIndex());
+    QTreeView::wheelEvent(event);
 }
 
 void FolderTree::mouseDoubleClickEvent(QMouseEvent* event)

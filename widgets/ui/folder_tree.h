@@ -43,6 +43,8 @@ protected:
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
     QSize sizeHint() const override;
 
 private:
@@ -52,6 +54,8 @@ private:
     void Renamed(const QModelIndex& index, const QString& name);
     void RowsGoing(const QModelIndex& parent, int first, int last);
     void FolderRead(const QString& path);
+    void BringInSight(const QModelIndex& index);
+    void FitColumn();
 
     Dialogs& mDialogs;
     FolderTreeModel* mModel;

@@ -326,7 +326,7 @@ void ThumbnailGrid::PaintCell(QPainter& painter, const QRect& rect, int index,
     } else if (const QPixmap* picture = mStore.Use(cell.id)) {
         PaintThumbnail(painter, box, *picture, devicePixelRatioF(), palette());
     } else if (mFailures.contains(cell.id)) {
-        PaintBroken(painter, box, palette());
+        PaintBroken(painter, box, CellTextColour(palette(), look));
     } else {
         PaintPending(painter, box, QSize(cell.width, cell.height), palette());
         if (!mWanted.contains(cell.path)) {
