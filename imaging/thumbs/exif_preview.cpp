@@ -1,14 +1,15 @@
 #include "imaging/thumbs/exif_preview.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace quillane {
 
 namespace {
 
-constexpr qint64 kPreviewHeadBytes = 128 << 10; // Exif stands in one of the first segments
-constexpr quint16 kTagPreviewOffset = 0x0201;   // JPEGInterchangeFormat
-constexpr quint16 kTagPreviewLength = 0x0202;   // JPEGInterchangeFormatLength
+constexpr int kPreviewMostSegments = 16;      // Exif stands in one of the first segments
+constexpr quint16 kTagPreviewOffset = 0x0201; // JPEGInterchangeFormat
+constexpr quint16 kTagPreviewLength = 0x0202; // JPEGInterchangeFormatLength
 
 /// A TIFF structure in memory; reading beyond its end gives 0.
 class PreviewBlock {
@@ -71,24 +72,27 @@ private:
 
 QByteArray ReadEmbeddedPreview(ByteSource& source)
 {
-    const QByteArray head = source.Head(kPreviewHeadBytes);
-    if (!head.startsWith("\xff\xd8")) {
-        return {};
-    }
-    const QByteArrayView view(head);
-    for (qsizetype at = 2; at + 4 <= head.size() && quint8(head[at]) == 0xff;) {
-        const quint8 marker = quint8(head[at + 1]);
-        const qsizetype length = quint8(head[at + 2]) << 8 | quint8(head[at + 3]);
-        if (marker < 0xe0 && marker != 0xdb && marker != 0xc4) {
-            return {}; // frames and scans: the metadata is over
+    uchar head[10]; // 0xff, marker, length of two bytes, what an Exif block begins with
+    qint64 at = 2;  // behind the mark of the beginning
+    for (int i = 0; i < kPreviewMostSegments; ++i) {
+        const qint64 got = source.ReadAt(at, head, sizeof head);
+        if (got < 4 || head[0] != 0xff) {
+            return {};
         }
-        if (marker == 0xe1 && view.sliced(at + 4).startsWith(QByteArrayView("Exif\0\0", 6))) {
-            const qsizetype end = std::min<qsizetype>(head.size(), at + 2 + length);
-            const PreviewBlock block(view.sliced(at + 10, std::max<qsizetype>(0, end - at - 10)));
+        const quint8 marker = head[1];
+        const qint64 length = head[2] << 8 | head[3];
+        // Comments and applications' segments only: what comes behind them is the picture.
+        if (length < 2 || ((marker & 0xf0) != 0xe0 && marker != 0xfe)) {
+            return {};
+        }
+        if (marker == 0xe1 && got == sizeof head && std::memcmp(head + 4, "Exif\0", 6) == 0) {
+            QByteArray bytes(std::max<qint64>(length - 8, 0), Qt::Uninitialized);
+            bytes.truncate(source.ReadAt(at + 10, bytes.data(), bytes.size()));
+            const PreviewBlock block(bytes);
             const QByteArray preview = block.IsTiff() ? block.Preview() : QByteArray();
             return preview.startsWith("\xff\xd8") ? preview : QByteArray();
         }
-        at += 2 + std::max<qsizetype>(2, length);
+        at += 2 + length;
     }
     return {};
 }

@@ -1,12 +1,9 @@
 #include "imaging/thumbs/freedesktop_cache.h"
 
 #include "core/failure.h"
-#include "imaging/codec.h"
+#include "imaging/thumbs/thumbnail_png.h"
 
-#include <QBuffer>
 #include <QCryptographicHash>
-#include <QImageWriter>
-#include <QtEndian>
 #include <algorithm>
 
 namespace quillane {
@@ -17,41 +14,30 @@ constexpr CacheSize kCacheSizes[] = {
     {"normal", 128}, {"large", 256}, {"x-large", 512}, {"xx-large", 1024}};
 constexpr qint64 kLargestThumbnailFile = 8 << 20;
 
-/// Value of a tEXt chunk before the pixels; empty when there is none.
-QByteArray TextChunk(const QByteArray& png, const QByteArray& keyword)
-{
-    for (qsizetype at = 8; at + 12 <= png.size();) {
-        const quint32 length = qFromBigEndian<quint32>(png.constData() + at);
-        const QByteArrayView type(png.constData() + at + 4, 4);
-        if (length > quint32(png.size() - at - 12) || type == "IDAT") {
-            return {};
-        }
-        const QByteArrayView content(png.constData() + at + 8, qsizetype(length));
-        if (type == "tEXt" && content.startsWith(keyword) && content.size() > keyword.size()
-            && content[keyword.size()] == '\0') {
-            return content.sliced(keyword.size() + 1).toByteArray();
-        }
-        at += 12 + qsizetype(length);
-    }
-    return {};
-}
-
-QImage ReadIfFresh(const QString& thumbnailPath, const FileStat& stat)
+QImage ReadIfFresh(const QString& thumbnailPath, const CacheSize& size, const QByteArray& address,
+                   const FileStat& stat)
 {
     QImage image;
     ResumeNext([&] {
         const QByteArray png = ReadWholeFile(thumbnailPath, kLargestThumbnailFile);
-        if (TextChunk(png, "Thumb::MTime").toLongLong() != stat.modifiedSeconds) {
-            return;
-        }
-        const Codec* codec =
-            FindCodec(QByteArrayView(png).first(std::min<qsizetype>(64, png.size())), u"PNG");
-        if (codec && !codec->inWorker) {
-            MemorySource source(png);
-            image = codec->decode(source, {}).ToDisplay();
+        // Some programs write fractions of a second behind a point.
+        bool known = false;
+        const QByteArray time = ThumbnailPngText(png, "Thumb::MTime");
+        const qint64 seconds = time.left(time.indexOf('.')).toLongLong(&known);
+        const QByteArray madeOf = ThumbnailPngText(png, "Thumb::URI");
+        const QByteArray bytes = ThumbnailPngText(png, "Thumb::Size");
+        if (known && seconds == stat.modifiedSeconds && (madeOf.isEmpty() || madeOf == address)
+            && (bytes.isEmpty() || bytes.toLongLong() == stat.size)) {
+            image = DecodeThumbnailPng(png, size.side);
         }
     });
     return image;
+}
+
+/// Files of the cache itself have no thumbnails in it.
+bool IsInCache(const QString& cacheFolder, const QString& path)
+{
+    return path.startsWith(cacheFolder) && path.mid(cacheFolder.size()).startsWith(u'/');
 }
 
 bool CoversBox(const QImage& image, const CacheSize& size, QSize box)
@@ -91,12 +77,13 @@ QString CachedThumbnailPath(const QString& cacheFolder, const CacheSize& size, c
 QImage ReadCachedThumbnail(const QString& cacheFolder, const QString& path, const FileStat& stat,
                            QSize box)
 {
-    if (cacheFolder.isEmpty()) {
+    if (cacheFolder.isEmpty() || IsInCache(cacheFolder, path)) {
         return {};
     }
-    const CacheSize* wanted = &CacheSizeFor(box);
-    for (const CacheSize* size = wanted; size != std::end(kCacheSizes); ++size) {
-        const QImage image = ReadIfFresh(CachedThumbnailPath(cacheFolder, *size, path), stat);
+    const QByteArray address = ThumbnailAddress(path);
+    for (const CacheSize* size = &CacheSizeFor(box); size != std::end(kCacheSizes); ++size) {
+        const QImage image =
+            ReadIfFresh(CachedThumbnailPath(cacheFolder, *size, path), *size, address, stat);
         if (!image.isNull() && CoversBox(image, *size, box)) {
             return image;
         }
@@ -105,24 +92,22 @@ QImage ReadCachedThumbnail(const QString& cacheFolder, const QString& path, cons
 }
 
 qint64 WriteCachedThumbnail(const QString& cacheFolder, const QString& path, const FileStat& stat,
-                            const CacheSize& size, QImage thumbnail, QSize picture)
+                            const CacheSize& size, const QImage& thumbnail, QSize picture)
 {
     const QString sizeFolder = cacheFolder + u'/' + QLatin1String(size.folder);
-    if (cacheFolder.isEmpty() || path.startsWith(cacheFolder + u'/') || thumbnail.isNull()
+    if (cacheFolder.isEmpty() || IsInCache(cacheFolder, path) || thumbnail.isNull()
         || !MakeFolder(cacheFolder, 0700) || !MakeFolder(sizeFolder, 0700)) {
         return 0;
     }
-    thumbnail.setText(QStringLiteral("Thumb::URI"), QString::fromLatin1(ThumbnailAddress(path)));
-    thumbnail.setText(QStringLiteral("Thumb::MTime"), QString::number(stat.modifiedSeconds));
-    thumbnail.setText(QStringLiteral("Thumb::Size"), QString::number(stat.size));
-    thumbnail.setText(QStringLiteral("Thumb::Image::Width"), QString::number(picture.width()));
-    thumbnail.setText(QStringLiteral("Thumb::Image::Height"), QString::number(picture.height()));
-    thumbnail.setText(QStringLiteral("Software"), QStringLiteral("Quillane"));
-    QByteArray png;
-    QBuffer buffer(&png);
-    buffer.open(QIODevice::WriteOnly);
-    QImageWriter writer(&buffer, "png");
-    if (!writer.write(thumbnail)) {
+    const QByteArray png =
+        EncodeThumbnailPng(thumbnail,
+                           {{"Thumb::URI", ThumbnailAddress(path)},
+                            {"Thumb::MTime", QByteArray::number(stat.modifiedSeconds)},
+                            {"Thumb::Size", QByteArray::number(stat.size)},
+                            {"Thumb::Image::Width", QByteArray::number(picture.width())},
+                            {"Thumb::Image::Height", QByteArray::number(picture.height())},
+                            {"Software", "Quillane"}});
+    if (png.isEmpty()) {
         return 0;
     }
     WriteOptions options;
@@ -131,6 +116,21 @@ qint64 WriteCachedThumbnail(const QString& cacheFolder, const QString& path, con
     const bool written = ResumeNext(
         [&] { WriteWholeFile(CachedThumbnailPath(cacheFolder, size, path), png, options); });
     return written ? png.size() : 0;
+}
+
+qint64 CachedThumbnailBytes(const QString& cacheFolder, qint64 most)
+{
+    qint64 bytes = 0;
+    for (const CacheSize& size : kCacheSizes) {
+        const QString folder = cacheFolder + u'/' + QLatin1String(size.folder);
+        ResumeNext([&] {
+            ListFolder(folder, [&](DirEntry&& entry) {
+                bytes += StatPath(folder + u'/' + entry.name).size;
+                return bytes < most;
+            });
+        });
+    }
+    return bytes;
 }
 
 } // namespace quillane

@@ -1,5 +1,5 @@
 #pragma once
-// The thumbnails that the desktop's programs share, by the freedesktop thumbnail specification:
+// The thumbnails that the desktop's programs share, as freedesktop.org lays down:
 // a PNG named by the MD5 of the file's address, with the file's modification time in it.
 #include "core/native_path.h"
 #include <QImage>
@@ -27,6 +27,8 @@ QImage ReadCachedThumbnail(const QString& cacheFolder, const QString& path, cons
 /// Keeps a thumbnail (already fitting `size`); silent when it cannot. Returns the bytes written.
 /// `picture`: width and height of the whole picture.
 qint64 WriteCachedThumbnail(const QString& cacheFolder, const QString& path, const FileStat& stat,
-                            const CacheSize& size, QImage thumbnail, QSize picture);
+                            const CacheSize& size, const QImage& thumbnail, QSize picture);
+/// Bytes of all thumbnails that the cache holds; counting ends when there are `most`.
+qint64 CachedThumbnailBytes(const QString& cacheFolder, qint64 most);
 
 } // namespace quillane

@@ -22,34 +22,23 @@ constexpr size_t kHeadersAhead = 4096; // results held before they are delivered
 constexpr size_t kHeadersAtOnce = 16;  // files a reader takes at a time
 constexpr std::chrono::milliseconds kHeaderWait{4};
 
-struct HeaderResult {
-    qint16 status = kScanUnreadable;
-    bool ready = false;
-    ImageFacts facts;
-};
-
-HeaderResult ReadHeaderOf(const QString& path)
+/// Albums and print settings by the name's own end: no use in opening them. (A picture in a folder
+/// whose name has such letters in it is an album to IsAlbumFile as well, and is a picture here.)
+bool IsNoPictureByName(const QString& path)
 {
-    HeaderResult result;
-    result.ready = true;
-    try {
-        result.facts = ProbeFile(path);
-        result.status = kScanGood;
-    } catch (const Failure&) {
-        if (StatPath(path).type != FileType::Regular) {
-            result.status = kScanIgnored;
-        } else if (IsAlbumFile(path) == kTrue || IsPrintSetFile(path) == kTrue) {
-            result.status = kScanKnownOther;
-        }
-    } catch (const std::bad_alloc&) {
-        result.status = kScanUnreadable;
-    }
-    return result;
+    return path.endsWith(QLatin1String(".ifl"), Qt::CaseInsensitive)
+        || path.endsWith(QLatin1String(".ly2"), Qt::CaseInsensitive);
 }
 
 } // namespace
 
 struct ThumbnailScanner::State {
+    struct HeaderResult {
+        qint16 status = kScanUnreadable;
+        bool ready = false;
+        ImageFacts facts;
+    };
+
     std::vector<QString> paths;    ///< of all masks, one behind the other
     std::vector<size_t> maskBegin; ///< first path of each mask, and one end
     std::vector<HeaderResult> ring;
@@ -64,12 +53,37 @@ struct ThumbnailScanner::State {
     std::atomic<int> reading = 0; ///< readers that are not through
 
     ~State();
+    static HeaderResult ReadHeader(const QString& path);
     void Read();
     /// Paths that are not to be read any more: those before `path`.
     void SkipTo(size_t path);
     void End();
     HeaderResult& At(size_t path) { return ring[path % ring.size()]; }
 };
+
+ThumbnailScanner::State::HeaderResult ThumbnailScanner::State::ReadHeader(const QString& path)
+{
+    HeaderResult result;
+    result.ready = true;
+    if (IsNoPictureByName(path)) {
+        const bool there = StatPath(path).type == FileType::Regular;
+        result.status = there ? kScanKnownOther : kScanIgnored;
+        return result;
+    }
+    try {
+        result.facts = ProbeFile(path);
+        result.status = kScanGood;
+    } catch (const Failure&) {
+        if (StatPath(path).type != FileType::Regular) {
+            result.status = kScanIgnored;
+        } else if (IsAlbumFile(path) == kTrue || IsPrintSetFile(path) == kTrue) {
+            result.status = kScanKnownOther;
+        }
+    } catch (const std::bad_alloc&) {
+        result.status = kScanUnreadable;
+    }
+    return result;
+}
 
 ThumbnailScanner::State::~State()
 {
@@ -95,7 +109,7 @@ void ThumbnailScanner::State::Read()
         lock.unlock();
         results.clear();
         for (size_t i = from; i < end; ++i) {
-            results.push_back(ReadHeaderOf(paths[i]));
+            results.push_back(ReadHeader(paths[i]));
         }
         lock.lock();
         for (size_t i = from; i < end; ++i) {
@@ -167,8 +181,7 @@ void ThumbnailScanner::Stop()
         mEnding.push_back(std::move(mState));
         mState.reset();
     }
-    std::erase_if(mEnding,
-                  [](const std::shared_ptr<State>& state) { return state->readers.empty(); });
+    std::erase_if(mEnding, [](const std::shared_ptr<State>& state) { return state->reading == 0; });
 }
 
 bool ThumbnailScanner::Browse(int index, Generation generation, const Event& event)
@@ -179,7 +192,7 @@ bool ThumbnailScanner::Browse(int index, Generation generation, const Event& eve
     }
     const size_t end = state->maskBegin[size_t(index) + 1];
     state->SkipTo(state->maskBegin[size_t(index)]);
-    std::vector<HeaderResult> batch;
+    std::vector<State::HeaderResult> batch;
     size_t at = state->delivered;
     while (at < end) {
         {
@@ -197,7 +210,7 @@ bool ThumbnailScanner::Browse(int index, Generation generation, const Event& eve
         if (batch.empty() && !mLoop.Yield(generation)) {
             return false;
         }
-        for (HeaderResult& result : batch) {
+        for (State::HeaderResult& result : batch) {
             const ScannedFile file{state->paths[at], result.status, std::move(result.facts)};
             ++at;
             const bool go = event(file);

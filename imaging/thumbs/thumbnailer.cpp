@@ -5,6 +5,7 @@
 #include "imaging/thumbs/exif_preview.h"
 #include "imaging/thumbs/freedesktop_cache.h"
 
+#include <QDateTime>
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -14,7 +15,22 @@ namespace quillane {
 namespace {
 
 constexpr double kWorthKeeping = 10;      // milliseconds that a cached thumbnail saves at least
-constexpr double kShapeTolerance = 0.025; // of the ratio of the sides
+constexpr double kShapeTolerance = 0.02;  // of the ratio of the sides
+constexpr double kPreviewEnlarged = 1.07; // what a preview may be enlarged by
+constexpr int kPreviewMostSide = 2048;    // pixels of a preview; a larger one is no such thing
+constexpr qint64 kSettledSeconds = 2;     // a file that is younger may change unnoticed
+
+double ThumbnailMilliseconds(std::chrono::steady_clock::time_point start)
+{
+    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
+    return took.count();
+}
+
+/// Whether the file's time tells one content from the next: a cached thumbnail knows whole seconds.
+bool IsSettled(const FileStat& stat)
+{
+    return QDateTime::currentSecsSinceEpoch() - stat.modifiedSeconds >= kSettledSeconds;
+}
 
 /// The size of a picture in a box, its shape kept; a picture that fits is not enlarged.
 QSize FittedSize(QSize picture, QSize box)
@@ -52,26 +68,35 @@ QSize Turned(QSize size, int orientation)
     return orientation >= 5 && orientation <= 8 ? size.transposed() : size;
 }
 
+/// Whether a preview serves: it shows all of the picture, and enlarging it is hardly seen.
+bool PreviewServes(const ImageFacts& preview, const ImageFacts& picture, QSize fitted)
+{
+    const QSize size(preview.width, preview.height);
+    const QSize wanted = Turned(fitted, picture.orientation);
+    return size.width() <= kPreviewMostSide && size.height() <= kPreviewMostSide
+        && size.width() * kPreviewEnlarged >= wanted.width()
+        && size.height() * kPreviewEnlarged >= wanted.height()
+        && SameShape(size, {picture.width, picture.height});
+}
+
 QImage FromPreview(FileSource& source, const ImageFacts& facts, QSize fitted)
 {
     const QByteArray jpeg = ReadEmbeddedPreview(source);
-    if (jpeg.isEmpty()) {
-        return {};
-    }
     const Codec* codec =
-        FindCodec(QByteArrayView(jpeg).first(std::min<qsizetype>(64, jpeg.size())), u"JPG");
-    if (!codec || codec->inWorker) {
+        FindCodec(QByteArrayView(jpeg).first(std::min<qsizetype>(512, jpeg.size())), u"JPG");
+    if (jpeg.isEmpty() || !codec || codec->inWorker) {
         return {};
     }
     QImage image;
     ResumeNext([&] {
         MemorySource memory(jpeg);
-        const Bitmap preview = codec->decode(memory, {}).Upright(facts.orientation);
-        const QSize size(preview.Width(), preview.Height());
-        const QSize picture = Turned({facts.width, facts.height}, facts.orientation);
-        const bool large = size.width() >= fitted.width() && size.height() >= fitted.height();
-        if (large && SameShape(size, picture) && !preview.IsPartial()) {
-            image = ShrunkForDisplay(preview, fitted);
+        if (PreviewServes(codec->probe(memory), facts, fitted)) {
+            DecodeRequest request;
+            request.atLeast = Turned(fitted, facts.orientation);
+            const Bitmap preview = codec->decode(memory, request);
+            if (!preview.IsPartial()) {
+                image = ShrunkForDisplay(preview.Upright(facts.orientation), fitted);
+            }
         }
     });
     return image;
@@ -80,30 +105,32 @@ QImage FromPreview(FileSource& source, const ImageFacts& facts, QSize fitted)
 void MakeFromFile(const QString& path, QSize box, const ThumbnailOptions& options,
                   Thumbnail& result)
 {
-    FileSource source(path);
-    const ImageFacts facts = ProbeSource(source, path);
-    const QSize picture = Turned({facts.width, facts.height}, facts.orientation);
-    const QSize fitted = FittedSize(picture, box);
-    if (options.usePreviews) {
-        result.image = FromPreview(source, facts, fitted);
-        if (!result.image.isNull()) {
-            result.from = ThumbnailFrom::Preview;
-            return;
+    const auto start = std::chrono::steady_clock::now();
+    ImageFacts facts;
+    {
+        FileSource source(path);
+        facts = ProbeSource(source, path);
+        result.picture = Turned({facts.width, facts.height}, facts.orientation);
+        if (options.usePreviews) {
+            result.image = FromPreview(source, facts, FittedSize(result.picture, box));
         }
     }
+    if (!result.image.isNull()) {
+        result.from = ThumbnailFrom::Preview;
+        return;
+    }
     const bool caching = !options.cacheFolder.isEmpty();
-    const QSize cached = FittedSize(picture, QSize(1, 1) * CacheSizeFor(box).side);
+    const QSize fitted = FittedSize(result.picture, box);
+    const QSize cached = FittedSize(result.picture, QSize(1, 1) * CacheSizeFor(box).side);
     DecodeRequest request;
     request.atLeast = Turned(caching ? cached.expandedTo(fitted) : fitted, facts.orientation);
     request.cancelled = options.cancelled;
-    const LoadedImage loaded = LoadFile(path, request);
-    result.image = ShrunkForDisplay(
-        loaded.bitmap, FittedSize({loaded.bitmap.Width(), loaded.bitmap.Height()}, fitted));
+    const Bitmap bitmap = LoadFile(path, request).bitmap;
+    result.image = ShrunkForDisplay(bitmap, fitted);
     result.from = ThumbnailFrom::Picture;
-    result.picture = picture;
-    if (caching && !loaded.bitmap.IsPartial()) {
-        result.forCache = ShrunkForDisplay(
-            loaded.bitmap, FittedSize({loaded.bitmap.Width(), loaded.bitmap.Height()}, cached));
+    if (caching && !bitmap.IsPartial() && ThumbnailMilliseconds(start) >= kWorthKeeping
+        && IsSettled(result.stat)) {
+        result.forCache = cached == fitted ? result.image : ShrunkForDisplay(bitmap, cached);
     }
 }
 
@@ -133,11 +160,7 @@ Thumbnail MakeThumbnail(const QString& path, QSize box, const ThumbnailOptions& 
     } catch (const std::bad_alloc&) {
         result.failure = QStringLiteral("There is not enough memory to show this picture.");
     }
-    const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - start;
-    result.milliseconds = took.count();
-    if (result.milliseconds < kWorthKeeping) {
-        result.forCache = {};
-    }
+    result.milliseconds = ThumbnailMilliseconds(start);
     return result;
 }
 

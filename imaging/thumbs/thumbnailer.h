@@ -21,12 +21,15 @@ struct Thumbnail {
     QString failure; ///< why there is no image
     ThumbnailFrom from = ThumbnailFrom::Nowhere;
     double milliseconds = 0; ///< that it took to make
-    /// A larger version, made on the way, that is worth keeping in the cache (or null).
+    /// A version of the cache's size, when making it took more than 10 ms; else null.
     QImage forCache;
-    QSize picture; ///< of the whole picture, upright; known when it was decoded
+    QSize picture; ///< of the whole picture, upright; unknown when the thumbnail was cached
     FileStat stat; ///< of the file, from before it was read
 };
 
+/// The cached thumbnail, else the embedded preview, else the picture decoded at reduced scale.
+/// A preview serves when its sides have the picture's ratio to 2 % and it need not be enlarged by
+/// more than 7 %. A picture smaller than the box keeps its size.
 /// box: largest width and height in device pixels. Never throws: a failure is in the result.
 Thumbnail MakeThumbnail(const QString& path, QSize box, const ThumbnailOptions& options);
 
