@@ -2,92 +2,67 @@
 
 #include "core/failure.h"
 #include "core/native_path.h"
+#include "platform/desktop/file_search.h"
+#include "platform/desktop/find_program.h"
+#include "platform/desktop/portal_request.h"
 #include "platform/desktop/spawn.h"
 
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QDBusPendingCall>
-#include <QDBusUnixFileDescriptor>
-#include <QRandomGenerator>
-#include <QVariantMap>
+#include <QDBusPendingCallWatcher>
 #include <fcntl.h>
 
 namespace quillane {
 
 namespace {
 
-const QString kPortalService = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString kPortalPath = QStringLiteral("/org/freedesktop/portal/desktop");
-const QString kPortalOpen = QStringLiteral("org.freedesktop.portal.OpenURI");
+constexpr int kFileManagerPatience = 5000; // milliseconds; it may have to be started
 
-/// Programs that search a folder for files, the first that is installed is taken.
-struct SearchProgram {
-    const char* program;
-    const char* before; ///< argument before the folder, or nullptr
-};
-constexpr SearchProgram kSearchPrograms[] = {
-    {"kfind", nullptr},
-    {"catfish", "--path"},
-    {"mate-search-tool", "--path"},
-    {"gnome-search-tool", "--path"},
-};
-
-bool PortalIsThere()
+/// Refuses when neither xdg-open nor the portal is there. With xdg-open installed the portal is
+/// tried without asking first, because its absence only costs an error reply.
+void NeedAnOpener()
 {
-    const QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected() || !bus.interface()) {
-        return false;
+    if (FindProgram(QStringLiteral("xdg-open")).isEmpty() && !OpenerPortalIsThere()) {
+        throw Failure(kFailureGeneral,
+                      QStringLiteral("No program that opens files was found. "
+                                     "Install the package xdg-utils."));
     }
-    const auto owned = bus.interface()->isServiceRegistered(kPortalService);
-    return owned.isValid() && owned.value();
-}
-
-QVariantMap PortalOptions()
-{
-    return {{QStringLiteral("handle_token"),
-             QStringLiteral("quillane%1").arg(QRandomGenerator::global()->generate())}};
-}
-
-/// Sends without waiting; what the desktop answers is its own matter.
-void CallPortal(const QString& method, const QVariant& what)
-{
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(kPortalService, kPortalPath, kPortalOpen, method);
-    call.setArguments({QString(), what, PortalOptions()});
-    QDBusConnection::sessionBus().asyncCall(call);
 }
 
 void XdgOpen(const QByteArray& what)
 {
     const QString opener = FindProgram(QStringLiteral("xdg-open"));
-    if (opener.isEmpty()) {
-        throw Failure(kFailureGeneral,
-                      QStringLiteral("No program to open this with was found: install xdg-utils."));
+    if (!opener.isEmpty()) {
+        SpawnDetached(opener, {what});
     }
-    SpawnDetached(BytesFromPath(opener), {what}, {});
+}
+
+/// The same for when nobody is there any more to hear of a failure.
+std::function<void()> XdgOpenLater(const QByteArray& what)
+{
+    return [what] { ResumeNext([&] { XdgOpen(what); }); };
+}
+
+bool PortalCanBeTried()
+{
+    return SessionBusIsThere() && QDBusConnection::sessionBus().isConnected();
+}
+
+FileHandle OpenForPortal(const QString& path, FileType type)
+{
+    if (type == FileType::Other
+        || !QDBusConnection::sessionBus().connectionCapabilities().testFlag(
+            QDBusConnection::UnixFileDescriptorPassing)) {
+        return {};
+    }
+    return FileHandle(::open(BytesFromPath(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
 }
 
 } // namespace
 
 QByteArray FileAddress(const QString& path)
 {
-    return "file://" + BytesFromPath(path).toPercentEncoding("/!$&'()*+,:=@");
-}
-
-QString FindProgram(const QString& name)
-{
-    for (const QByteArray& folder : qgetenv("PATH").split(':')) {
-        if (folder.isEmpty()) {
-            continue;
-        }
-        const QString path = PathFromBytes(folder) + u'/' + name;
-        const FileStat stat = StatPath(path);
-        if (stat.type == FileType::Regular && (stat.mode & 0111) != 0) {
-            return path;
-        }
-    }
-    return {};
+    return "file://" + BytesFromPath(path).toPercentEncoding("/");
 }
 
 void DesktopLauncher::OpenPath(const QString& path)
@@ -97,24 +72,23 @@ void DesktopLauncher::OpenPath(const QString& path)
         // The openers report success for a file that is not there.
         throw Failure(kFailureNoFile, QStringLiteral("There is no file %1.").arg(path));
     }
-    if (PortalIsThere()) {
-        const int flags = stat.type == FileType::Folder ? O_RDONLY | O_DIRECTORY : O_RDONLY;
-        const FileHandle file(
-            ::open(BytesFromPath(path).constData(), flags | O_CLOEXEC | O_NONBLOCK));
+    NeedAnOpener();
+    const QByteArray bytes = BytesFromPath(path);
+    if (PortalCanBeTried()) {
+        const FileHandle file = OpenForPortal(path, stat.type);
         if (file.IsOpen()) {
-            const bool folder = stat.type == FileType::Folder;
-            CallPortal(folder ? QStringLiteral("OpenDirectory") : QStringLiteral("OpenFile"),
-                       QVariant::fromValue(QDBusUnixFileDescriptor(file.Fd())));
+            PortalRequest::OpenFile(file.Fd(), XdgOpenLater(bytes), this);
             return;
         }
     }
-    XdgOpen(BytesFromPath(path));
+    XdgOpen(bytes);
 }
 
 void DesktopLauncher::OpenAddress(const QString& address)
 {
-    if (PortalIsThere()) {
-        CallPortal(QStringLiteral("OpenURI"), address);
+    NeedAnOpener();
+    if (PortalCanBeTried()) {
+        PortalRequest::OpenAddress(address, XdgOpenLater(address.toUtf8()), this);
         return;
     }
     XdgOpen(address.toUtf8());
@@ -122,33 +96,45 @@ void DesktopLauncher::OpenAddress(const QString& address)
 
 void DesktopLauncher::FindIn(const QString& folder)
 {
-    for (const SearchProgram& search : kSearchPrograms) {
-        const QString program = FindProgram(QLatin1String(search.program));
-        if (!program.isEmpty()) {
-            QList<QByteArray> arguments;
-            if (search.before) {
-                arguments.append(search.before);
-            }
-            arguments.append(BytesFromPath(folder));
-            SpawnDetached(BytesFromPath(program), arguments, {});
-            return;
-        }
+    if (StatPath(folder).type != FileType::Folder) {
+        throw Failure(kFailureNoFile, QStringLiteral("There is no folder %1.").arg(folder));
     }
-    OpenPath(folder);
+    if (const auto search = FileSearchIn(folder)) {
+        SpawnDetached(search->program, search->arguments);
+        return;
+    }
+    if (!PortalCanBeTried()) {
+        OpenPath(folder);
+        return;
+    }
+    NeedAnOpener();
+    QDBusMessage show = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.FileManager1"),
+        QStringLiteral("/org/freedesktop/FileManager1"),
+        QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowFolders"));
+    show.setArguments({QStringList{QString::fromLatin1(FileAddress(folder))}, QString()});
+    auto* const shown = new QDBusPendingCallWatcher(
+        QDBusConnection::sessionBus().asyncCall(show, kFileManagerPatience), this);
+    connect(shown, &QDBusPendingCallWatcher::finished, this, [this, shown, folder] {
+        shown->deleteLater();
+        if (shown->isError()) {
+            ResumeNext([&] { OpenPath(folder); });
+        }
+    });
 }
 
 void DesktopLauncher::Run(const QString& program, const QStringList& arguments,
                           const QString& workingFolder)
 {
     const QString path = program.contains(u'/') ? program : FindProgram(program);
-    if (program.isEmpty() || path.isEmpty()) {
+    if (path.isEmpty()) {
         throw Failure(kFailureNoFile, QStringLiteral("There is no program %1.").arg(program));
     }
     QList<QByteArray> bytes;
     for (const QString& argument : arguments) {
         bytes.append(BytesFromPath(argument));
     }
-    SpawnDetached(BytesFromPath(path), bytes, BytesFromPath(workingFolder));
+    SpawnDetached(path, bytes, workingFolder);
 }
 
 } // namespace quillane

@@ -1,10 +1,14 @@
 #pragma once
 #include "platform/launcher.h"
+#include <QByteArray>
+#include <QObject>
 
 namespace quillane {
 
-/// Opens by the desktop's opener portal, else by xdg-open; never waits for what it started.
-class DesktopLauncher : public Launcher {
+/// Opens by the desktop's opener portal, else by xdg-open. Waits neither for the desktop's
+/// answer nor for what it started.
+class DesktopLauncher : public QObject, public Launcher {
+    Q_OBJECT
 public:
     void OpenPath(const QString& path) override;
     void OpenAddress(const QString& address) override;
@@ -15,7 +19,5 @@ public:
 
 /// file: address of a path, every byte that is not plain escaped.
 QByteArray FileAddress(const QString& path);
-/// Full path of a program found in PATH; empty when there is none.
-QString FindProgram(const QString& name);
 
 } // namespace quillane

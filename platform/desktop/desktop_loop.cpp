@@ -1,34 +1,35 @@
 #include "platform/desktop/desktop_loop.h"
 
+#include "platform/wait_for_events.h"
+
 #include <QCoreApplication>
 #include <QCursor>
-#include <QEventLoop>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLocale>
+#include <QWindow>
 
 namespace quillane {
 
 namespace {
 
 constexpr int kBetweenEvents = 8; // milliseconds a long action may run without a look at events
-constexpr int kCallsPerLook = 8;  // yields between two looks at the clock
 
 } // namespace
 
 DesktopLoop::DesktopLoop()
 {
     mSinceEvents.start();
-    QCoreApplication::instance()->installEventFilter(this);
+    qApp->installEventFilter(this);
+    // A release that goes to another program's window is never seen here. While the key stays
+    // down in one of ours, its repeated presses tell so.
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this] { mEscDown = false; });
 }
 
 bool DesktopLoop::Yield(Generation generation)
 {
-    if (++mCalls >= kCallsPerLook) {
-        mCalls = 0;
-        if (mSinceEvents.elapsed() >= kBetweenEvents) {
-            ProcessEvents();
-        }
+    if (mSinceEvents.elapsed() >= kBetweenEvents) {
+        ProcessEvents();
     }
     return generation == mNewest;
 }
@@ -41,10 +42,7 @@ void DesktopLoop::ProcessEvents()
 
 void DesktopLoop::WaitForEvents(int ms)
 {
-    QEventLoop loop;
-    const int timer = loop.startTimer(ms);
-    loop.processEvents(QEventLoop::WaitForMoreEvents);
-    loop.killTimer(timer);
+    WaitForThreadEvents(ms);
     mSinceEvents.restart();
 }
 
@@ -74,9 +72,6 @@ bool DesktopLoop::eventFilter(QObject*, QEvent* event)
         if (key->key() == Qt::Key_Escape && !key->isAutoRepeat()) {
             mEscDown = false;
         }
-    } else if (event->type() == QEvent::ApplicationStateChange) {
-        // A release that another program's window got is never seen here.
-        mEscDown = false;
     }
     return false;
 }

@@ -31,7 +31,6 @@ protected:
 private:
     QElapsedTimer mSinceEvents;
     Generation mNewest = 0;
-    int mCalls = 0;
     bool mEscPressed = false; ///< since the last poll
     bool mEscDown = false;
 };

@@ -6,12 +6,25 @@
 #include <QCoreApplication>
 #include <QStandardPaths>
 #include <initializer_list>
+#include <pwd.h>
+#include <unistd.h>
 
 namespace quillane {
 
 namespace {
 
 constexpr quint32 kPrivateFolder = 0700;
+
+/// The home folder with separator: as the environment or else the user's account has it.
+QString HomeFolder()
+{
+    QByteArray home = qgetenv("HOME");
+    if (!home.startsWith('/')) {
+        const passwd* account = ::getpwuid(::getuid());
+        home = account && account->pw_dir && account->pw_dir[0] == '/' ? account->pw_dir : "/";
+    }
+    return WithSeparator(PathFromBytes(home));
+}
 
 /// A base folder of the user from the environment, or its usual place below home.
 QString BaseFolder(const char* variable, const char* below)
@@ -20,7 +33,7 @@ QString BaseFolder(const char* variable, const char* below)
     if (set.startsWith('/')) {
         return WithSeparator(PathFromBytes(set));
     }
-    return WithSeparator(PathFromBytes(qgetenv("HOME"))) + QLatin1String(below);
+    return HomeFolder() + QLatin1String(below);
 }
 
 QString MadePrivate(const QString& folder)
@@ -48,10 +61,14 @@ QString UserFolder(QStandardPaths::StandardLocation location, const QString& fal
 
 } // namespace
 
+DesktopPlaces::DesktopPlaces(QString applicationFolder)
+    : mApplicationFolder(std::move(applicationFolder))
+{
+}
+
 QString DesktopPlaces::Home() const
 {
-    const QByteArray home = qgetenv("HOME");
-    return home.isEmpty() ? QStringLiteral("/") : WithSeparator(PathFromBytes(home));
+    return HomeFolder();
 }
 
 QString DesktopPlaces::Pictures() const
@@ -73,8 +90,9 @@ QString DesktopPlaces::Wallpaper() const
 QString DesktopPlaces::PrintCopy() const
 {
     const QString runtime = PathFromBytes(qgetenv("XDG_RUNTIME_DIR"));
+    const bool hasRuntime = runtime.startsWith(u'/') && StatPath(runtime).type == FileType::Folder;
     const QString base =
-        runtime.startsWith(u'/') ? WithSeparator(runtime) : BaseFolder("XDG_CACHE_HOME", ".cache/");
+        hasRuntime ? WithSeparator(runtime) : BaseFolder("XDG_CACHE_HOME", ".cache/");
     return MadePrivate(base + QStringLiteral("quillane/")) + QStringLiteral("TPrinter2Image.jpg");
 }
 
@@ -95,7 +113,8 @@ QString DesktopPlaces::Programs() const
 
 QString DesktopPlaces::ApplicationFolder() const
 {
-    return WithSeparator(QCoreApplication::applicationDirPath());
+    return WithSeparator(mApplicationFolder.isEmpty() ? QCoreApplication::applicationDirPath()
+                                                      : mApplicationFolder);
 }
 
 QString DesktopPlaces::HelpFile() const

@@ -6,6 +6,9 @@ namespace quillane {
 /// Fixed places by the XDG rules; a place is made when it is first asked for, where it must be.
 class DesktopPlaces : public FixedPlaces {
 public:
+    /// The program's own folder is that of the executable unless another is given.
+    explicit DesktopPlaces(QString applicationFolder = {});
+
     QString Home() const override;
     QString Pictures() const override;
     QString SettingsFile() const override;
@@ -18,6 +21,9 @@ public:
     QString HelpFile() const override;
     QString ThumbnailCache() const override;
     QString CodecWorker() const override;
+
+private:
+    QString mApplicationFolder;
 };
 
 } // namespace quillane

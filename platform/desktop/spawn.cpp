@@ -3,9 +3,16 @@
 #include "core/failure.h"
 #include "core/native_path.h"
 
+#include <QCoreApplication>
+#include <QSocketNotifier>
+#include <QThread>
+#include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <memory>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -14,38 +21,99 @@ extern char** environ;
 
 namespace quillane {
 
-void SpawnDetached(const QByteArray& program, const QList<QByteArray>& arguments,
-                   const QByteArray& folder)
+namespace {
+
+/// What posix_spawn is told besides the program; freed at the end of its life.
+class SpawnPlan {
+public:
+    SpawnPlan()
+    {
+        posix_spawn_file_actions_init(&actions);
+        posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        // The program gets signals as if a person had started it, whatever is blocked here.
+        sigset_t all, none;
+        sigfillset(&all);
+        sigemptyset(&none);
+        posix_spawnattr_init(&attributes);
+        posix_spawnattr_setsigdefault(&attributes, &all);
+        posix_spawnattr_setsigmask(&attributes, &none);
+        posix_spawnattr_setflags(
+            &attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+    }
+    ~SpawnPlan()
+    {
+        posix_spawn_file_actions_destroy(&actions);
+        posix_spawnattr_destroy(&attributes);
+    }
+    SpawnPlan(const SpawnPlan&) = delete;
+    SpawnPlan& operator=(const SpawnPlan&) = delete;
+
+    posix_spawn_file_actions_t actions;
+    posix_spawnattr_t attributes;
+};
+
+/// Takes the program's exit status when it ends, so that nothing is left of it.
+void ReapWhenEnded(pid_t child)
 {
-    // The shell starts the program in the background and ends at once, so that nobody has to
-    // wait for the program: its parent is the system.
-    static constexpr char kScript[] =
-        "cd -- \"$1\" 2>/dev/null; shift; [ -x \"$1\" ] || exit 126; "
-        "if command -v setsid >/dev/null; then setsid \"$@\" & else \"$@\" & fi";
-    const QByteArray startIn = folder.isEmpty() ? QByteArray(".") : folder;
-    QList<QByteArray> words{"/bin/sh", "-c", kScript, "sh", startIn, program};
+    auto* const application = QCoreApplication::instance();
+    auto ended = std::make_shared<FileHandle>(int(::syscall(SYS_pidfd_open, child, 0)));
+    if (!ended->IsOpen() || !application || QThread::currentThread() != application->thread()) {
+        return;
+    }
+    auto* const notifier = new QSocketNotifier(ended->Fd(), QSocketNotifier::Read, application);
+    QObject::connect(notifier, &QSocketNotifier::activated, application, [=] {
+        notifier->setEnabled(false);
+        ::waitpid(child, nullptr, WNOHANG);
+        notifier->deleteLater();
+    });
+    QObject::connect(notifier, &QObject::destroyed, [ended] { *ended = FileHandle(); });
+}
+
+Failure SpawnFailure(int error, const QString& program)
+{
+    switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+        return {kFailureNoFile, QStringLiteral("There is no program %1.").arg(program)};
+    case EACCES:
+    case EPERM:
+        return {kFailureDenied, QStringLiteral("%1 may not be run as a program.").arg(program)};
+    default:
+        return {kFailureGeneral,
+                QStringLiteral("%1 could not be started: %2.")
+                    .arg(program, QString::fromLocal8Bit(std::strerror(error)))};
+    }
+}
+
+} // namespace
+
+void SpawnDetached(const QString& program, const QList<QByteArray>& arguments,
+                   const QString& folder)
+{
+    SpawnPlan plan;
+    const QByteArray startIn = BytesFromPath(folder);
+    if (!folder.isEmpty()) {
+        if (StatPath(folder).type != FileType::Folder) {
+            throw Failure(kFailureNoFile, QStringLiteral("There is no folder %1.").arg(folder));
+        }
+        posix_spawn_file_actions_addchdir_np(&plan.actions, startIn.constData());
+    }
+    QList<QByteArray> words{BytesFromPath(program)};
     words.append(arguments);
     std::vector<char*> argv;
     for (QByteArray& word : words) {
         argv.push_back(word.data());
     }
     argv.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
     pid_t child = 0;
-    const int error = ::posix_spawn(&child, "/bin/sh", &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    int status = 0;
-    const bool started = error == 0 && ::waitpid(child, &status, 0) == child && WIFEXITED(status)
-        && WEXITSTATUS(status) == 0;
-    if (!started) {
-        throw Failure(kFailureNoFile,
-                      QStringLiteral("%1 could not be started.").arg(PathFromBytes(program)));
+    const int error =
+        ::posix_spawn(&child, argv.front(), &plan.actions, &plan.attributes, argv.data(), environ);
+    if (error != 0) {
+        throw SpawnFailure(error, program);
     }
+    ReapWhenEnded(child);
 }
 
 } // namespace quillane

@@ -12,6 +12,11 @@ BoxAnswer FakeDialogs::Box(const QString& text, const QString& title, BoxIcon ic
         return mAnswers.takeFirst();
     }
     ++mUnexpected;
+    qWarning("A message box came without a scripted answer: \"%s\" \"%s\"", qPrintable(title),
+             qPrintable(text));
+    if (mOnUnexpected) {
+        mOnUnexpected(text);
+    }
     switch (buttons) {
     case BoxButtons::Ok:
         return BoxAnswer::Ok;

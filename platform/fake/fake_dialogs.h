@@ -1,7 +1,7 @@
 #pragma once
 #include "platform/dialogs.h"
 #include <QVector>
-#include <optional>
+#include <functional>
 
 namespace quillane {
 
@@ -20,8 +20,13 @@ public:
 
     const QVector<ShownBox>& Boxes() const { return mBoxes; }
     const QVector<FileDialogSpec>& FileDialogs() const { return mSpecs; }
-    /// Boxes that came without an answer; they were answered Ok, Cancel or No.
+    /// Boxes that came without an answer; they were answered Ok, Cancel or No, and complained
+    /// of on the standard error output.
     int Unexpected() const { return mUnexpected; }
+    /// Runs with the text of such a box: a test lets itself fail here.
+    void OnUnexpected(std::function<void(const QString&)> tell) { mOnUnexpected = std::move(tell); }
+    /// Answers that no box or file dialog has asked for yet.
+    qsizetype AnswersLeft() const { return mAnswers.size() + mFiles.size(); }
 
     BoxAnswer Box(const QString& text, const QString& title, BoxIcon icon,
                   BoxButtons buttons) override;
@@ -32,6 +37,7 @@ private:
     QVector<QString> mFiles;
     QVector<ShownBox> mBoxes;
     QVector<FileDialogSpec> mSpecs;
+    std::function<void(const QString&)> mOnUnexpected;
     int mUnexpected = 0;
 };
 

@@ -1,7 +1,8 @@
 #include "platform/fake/fake_loop.h"
 
+#include "platform/wait_for_events.h"
+
 #include <QCoreApplication>
-#include <QEventLoop>
 
 namespace quillane {
 
@@ -21,7 +22,14 @@ void FakeLoop::ProcessEvents()
 
 void FakeLoop::WaitForEvents(int ms)
 {
-    QCoreApplication::processEvents(QEventLoop::AllEvents, ms);
+    ++mWaits;
+    WaitForThreadEvents(ms);
+}
+
+bool FakeLoop::PollEsc()
+{
+    ++mPolls;
+    return mEscPolls.contains(mPolls) || (mEscHeldFrom > 0 && mPolls >= mEscHeldFrom);
 }
 
 void FakeLoop::BeginHourglass()

@@ -26,6 +26,12 @@ void FakeLauncher::Note(QStringList& list, const QString& text)
     list.append(text);
 }
 
+void FakeWatch::Watch(const QString& path)
+{
+    folder = path;
+    ++watchings;
+}
+
 void FakeWatch::Fire() const
 {
     if (mChanged) {

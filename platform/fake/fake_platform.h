@@ -57,9 +57,11 @@ private:
 /// A folder watch that a test fires.
 class FakeWatch : public FolderWatch {
 public:
-    QString folder; ///< being watched
-    void Watch(const QString& path) override { folder = path; }
+    QString folder;    ///< being watched
+    int watchings = 0; ///< how often it was told a folder
+    void Watch(const QString& path) override;
     void OnChange(std::function<void()> changed) override { mChanged = std::move(changed); }
+    /// Tells as the real watch does when the folder has changed.
     void Fire() const;
 
 private:

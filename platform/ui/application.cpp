@@ -14,13 +14,10 @@ Application::Application(int& argc, char** argv) : QApplication(argc, argv)
 
 bool Application::notify(QObject* receiver, QEvent* event)
 {
-    try {
-        return QApplication::notify(receiver, event);
-    } catch (const Failure& failure) {
-        DesktopDialogs dialogs;
-        ShowFailure(dialogs, failure);
-        return false;
-    }
+    bool handled = false;
+    DesktopDialogs dialogs;
+    RunCommand(dialogs, [&] { handled = QApplication::notify(receiver, event); });
+    return handled;
 }
 
 } // namespace quillane

@@ -2,9 +2,11 @@
 
 #include "core/failure.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QPointer>
 
 namespace quillane {
 
@@ -42,6 +44,30 @@ QMessageBox::StandardButtons QtButtons(BoxButtons buttons)
     return QMessageBox::Ok;
 }
 
+/// The window a box stands over, so that it never appears behind it.
+QWidget* DialogOwner()
+{
+    if (QWidget* const active = QApplication::activeWindow()) {
+        return active;
+    }
+    if (QWidget* const modal = QApplication::activeModalWidget()) {
+        return modal;
+    }
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (window->isVisible() && window->windowType() == Qt::Window) {
+            return window;
+        }
+    }
+    return nullptr;
+}
+
+void NameButton(const QMessageBox& box, QMessageBox::StandardButton button, const char* name)
+{
+    if (QAbstractButton* const found = box.button(button)) {
+        found->setObjectName(QLatin1String(name));
+    }
+}
+
 /// "All Files|*.*|Pictures|*.jpg;*.png" as the toolkit writes it.
 QStringList QtFilters(const QString& filter)
 {
@@ -60,39 +86,54 @@ QStringList QtFilters(const QString& filter)
 BoxAnswer DesktopDialogs::Box(const QString& text, const QString& title, BoxIcon icon,
                               BoxButtons buttons)
 {
-    QMessageBox box(QtIcon(icon), title.isEmpty() ? QStringLiteral("Quillane") : title, text,
-                    QtButtons(buttons), QApplication::activeWindow());
-    box.setObjectName(QStringLiteral("messageBox"));
-    box.setTextFormat(Qt::PlainText);
-    switch (box.exec()) {
+    // Its owner can be destroyed while the box is open, and takes the box along.
+    const QPointer<QMessageBox> box =
+        new QMessageBox(QtIcon(icon), title.isEmpty() ? QStringLiteral("Quillane") : title, text,
+                        QtButtons(buttons), DialogOwner());
+    box->setObjectName(QStringLiteral("messageBox"));
+    box->setTextFormat(Qt::PlainText);
+    NameButton(*box, QMessageBox::Ok, "cmdOK");
+    NameButton(*box, QMessageBox::Cancel, "cmdCancel");
+    NameButton(*box, QMessageBox::Yes, "cmdYes");
+    NameButton(*box, QMessageBox::No, "cmdNo");
+    const int pressed = box->exec();
+    delete box;
+    switch (pressed) {
+    case QMessageBox::Ok:
+        return BoxAnswer::Ok;
     case QMessageBox::Yes:
         return BoxAnswer::Yes;
-    case QMessageBox::No:
-        return BoxAnswer::No;
     case QMessageBox::Cancel:
         return BoxAnswer::Cancel;
-    default:
-        return BoxAnswer::Ok;
+    default: // closed from outside
+        return buttons == BoxButtons::Ok   ? BoxAnswer::Ok
+            : buttons == BoxButtons::YesNo ? BoxAnswer::No
+                                           : BoxAnswer::Cancel;
+    case QMessageBox::No:
+        return BoxAnswer::No;
     }
 }
 
 QString DesktopDialogs::File(const FileDialogSpec& spec)
 {
-    QFileDialog dialog(QApplication::activeWindow(), spec.title, spec.folder);
-    dialog.setObjectName(QStringLiteral("fileDialog"));
-    dialog.setAcceptMode(spec.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    dialog.setFileMode(spec.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    const QPointer<QFileDialog> dialog = new QFileDialog(DialogOwner(), spec.title, spec.folder);
+    dialog->setObjectName(QStringLiteral("fileDialog"));
+    dialog->setAcceptMode(spec.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog->setFileMode(spec.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     const QStringList filters = QtFilters(spec.filter);
     if (!filters.isEmpty()) {
-        dialog.setNameFilters(filters);
+        dialog->setNameFilters(filters);
     }
     if (!spec.fileName.isEmpty()) {
-        dialog.selectFile(spec.fileName);
+        dialog->selectFile(spec.fileName);
     }
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+    const bool accepted = dialog->exec() == QDialog::Accepted;
+    const QStringList chosen = accepted && dialog ? dialog->selectedFiles() : QStringList();
+    delete dialog;
+    if (chosen.isEmpty()) {
         throw Failure(kFailureCancelled, QStringLiteral("The dialog was cancelled."));
     }
-    return dialog.selectedFiles().first();
+    return chosen.first();
 }
 
 } // namespace quillane

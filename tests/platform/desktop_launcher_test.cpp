@@ -1,0 +1,125 @@
+#include "platform/desktop/desktop_launcher.h"
+
+#include "core/expect_failure.h"
+#include "platform/program_log.h"
+
+namespace quillane {
+
+/// A desktop without a session bus: everything goes through programs.
+class LauncherWithoutBus : public testing::Test {
+protected:
+    ProgramLog programs;
+    TempFolder pictures;
+    ScopedEnvironment bus{"DBUS_SESSION_BUS_ADDRESS"};
+    ScopedEnvironment runtime{"XDG_RUNTIME_DIR"};
+    DesktopLauncher launcher;
+};
+
+TEST_F(LauncherWithoutBus, OpensAFileByXdgOpen)
+{
+    programs.Offer("xdg-open");
+    pictures.Write("a.jpg");
+    launcher.OpenPath(pictures.Path("a.jpg"));
+    EXPECT_EQ(programs.WaitForCall("xdg-open").arguments,
+              QList<QByteArray>({pictures.Bytes("a.jpg")}));
+}
+
+class OddNames : public LauncherWithoutBus, public testing::WithParamInterface<const char*> { };
+
+TEST_P(OddNames, ReachTheOpenerAsTheyAre)
+{
+    programs.Offer("xdg-open");
+    pictures.Write(GetParam());
+    launcher.OpenPath(pictures.Path(GetParam()));
+    EXPECT_EQ(programs.WaitForCall("xdg-open").arguments,
+              QList<QByteArray>({pictures.Bytes(GetParam())}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Launcher, OddNames,
+                         testing::Values("two blanks .jpg", "line\nbreak.jpg", "\xff\xfe.jpg",
+                                         "\xce\xb1\xd7\x90.jpg", "-option.jpg", "$(id);'\".jpg",
+                                         "100%25.jpg"));
+
+TEST_F(LauncherWithoutBus, OpensAFolder)
+{
+    programs.Offer("xdg-open");
+    launcher.OpenPath(pictures.Path());
+    EXPECT_EQ(programs.WaitForCall("xdg-open").arguments, QList<QByteArray>({pictures.Bytes()}));
+}
+
+TEST_F(LauncherWithoutBus, RefusesAMissingFileBeforeAnybodyIsAsked)
+{
+    programs.Offer("xdg-open");
+    EXPECT_EQ(FailureOf([&] { launcher.OpenPath(pictures.Path("absent.jpg")); }), kFailureNoFile);
+    EXPECT_EQ(FailureOf([&] { launcher.OpenPath({}); }), kFailureNoFile);
+    EXPECT_EQ(FailureOf([&] { launcher.FindIn(pictures.Path("absent")); }), kFailureNoFile);
+    pictures.Link("absent.jpg", "broken.jpg");
+    EXPECT_EQ(FailureOf([&] { launcher.OpenPath(pictures.Path("broken.jpg")); }), kFailureNoFile);
+    EXPECT_EQ(programs.CallCount("xdg-open"), 0);
+}
+
+TEST_F(LauncherWithoutBus, FailsWithWordsWhereNothingOpensFiles)
+{
+    pictures.Write("a.jpg");
+    EXPECT_NE(FailureOf([&] { launcher.OpenPath(pictures.Path("a.jpg")); }), 0);
+    EXPECT_NE(FailureOf([&] { launcher.OpenAddress("https://example.org/"); }), 0);
+    EXPECT_NE(FailureOf([&] { launcher.FindIn(pictures.Path()); }), 0);
+}
+
+TEST_F(LauncherWithoutBus, OpensAnAddress)
+{
+    programs.Offer("xdg-open");
+    const QString address = "mailto:help@example.org?subject=Quillane%20Help%20Request";
+    launcher.OpenAddress(address);
+    EXPECT_EQ(programs.WaitForCall("xdg-open").arguments, QList<QByteArray>({address.toUtf8()}));
+}
+
+TEST_F(LauncherWithoutBus, FindStartsTheSearchProgram)
+{
+    programs.Offer("xdg-open");
+    programs.Offer("catfish");
+    launcher.FindIn(pictures.Path());
+    EXPECT_EQ(programs.WaitForCall("catfish").arguments,
+              QList<QByteArray>({"--path=" + pictures.Bytes()}));
+    EXPECT_EQ(programs.CallCount("xdg-open"), 0);
+}
+
+TEST_F(LauncherWithoutBus, FindOpensTheFolderWhereThereIsNoSearch)
+{
+    programs.Offer("xdg-open");
+    launcher.FindIn(pictures.Path());
+    EXPECT_EQ(programs.WaitForCall("xdg-open").arguments, QList<QByteArray>({pictures.Bytes()}));
+}
+
+TEST_F(LauncherWithoutBus, RunStartsAProgramOfPathOrByItsPath)
+{
+    programs.Offer("tool");
+    programs.Offer("second");
+    pictures.MakeFolder("in here");
+    launcher.Run("tool", {"-x", PathFromBytes("\xff a")}, pictures.Path("in here"));
+    const ProgramCall call = programs.WaitForCall("tool");
+    EXPECT_EQ(call.arguments, QList<QByteArray>({"-x", "\xff a"}));
+    EXPECT_EQ(call.folder, pictures.Bytes("in here"));
+    launcher.Run(programs.Folder().Path("second"), {}, {});
+    EXPECT_TRUE(programs.WaitForCall("second").arguments.isEmpty());
+}
+
+TEST_F(LauncherWithoutBus, RunRefusesWhatIsNotThere)
+{
+    programs.Offer("tool");
+    EXPECT_EQ(FailureOf([&] { launcher.Run("absent", {}, {}); }), kFailureNoFile);
+    EXPECT_EQ(FailureOf([&] { launcher.Run({}, {}, {}); }), kFailureNoFile);
+    EXPECT_EQ(FailureOf([&] { launcher.Run(pictures.Path("absent"), {}, {}); }), kFailureNoFile);
+    EXPECT_EQ(FailureOf([&] { launcher.Run("tool", {}, pictures.Path("absent")); }),
+              kFailureNoFile);
+    EXPECT_EQ(programs.CallCount("tool"), 0);
+}
+
+TEST(FileAddress, EscapesEveryByteThatIsNotPlain)
+{
+    EXPECT_EQ(FileAddress("/a/B-1_2.~z"), "file:///a/B-1_2.~z");
+    EXPECT_EQ(FileAddress(PathFromBytes("/a b/\xff%\n\xce\xb1?#")),
+              "file:///a%20b/%FF%25%0A%CE%B1%3F%23");
+}
+
+} // namespace quillane

@@ -1,0 +1,67 @@
+#pragma once
+// Programs that note how they were called, in a folder that stands for PATH.
+#include "core/temp_folder.h"
+#include "platform/scoped_environment.h"
+#include <QList>
+#include <QTest>
+
+namespace quillane {
+
+constexpr int kTestPatience = 20000; ///< milliseconds until a condition counts as never met
+
+/// What a program saw: its name, its folder, its arguments.
+struct ProgramCall {
+    QByteArray program;
+    QByteArray folder;
+    QList<QByteArray> arguments;
+};
+
+class ProgramLog {
+public:
+    /// A program of that name that writes down its call and ends.
+    void Offer(const QByteArray& name) const
+    {
+        mFolder.MakeFolder(name + ".calls");
+        mFolder.Write(name,
+                      "#!/bin/sh\n"
+                      "log='"
+                          + mFolder.Bytes(name)
+                          + ".calls'/$$\n"
+                            "printf '%s\\0' \"$PWD\" \"$@\" > \"$log.part\"\n"
+                            "exec /bin/mv \"$log.part\" \"$log\"\n");
+        mFolder.Chmod(name, 0755);
+    }
+    int CallCount(const QByteArray& name) const
+    {
+        int calls = 0;
+        ListFolder(mFolder.Path(name + ".calls"), [&](DirEntry&& entry) {
+            calls += entry.name.endsWith(QLatin1String(".part")) ? 0 : 1;
+            return true;
+        });
+        return calls;
+    }
+    /// Waits for the first call of the program.
+    ProgramCall WaitForCall(const QByteArray& name) const
+    {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return CallCount(name) > 0; }, kTestPatience));
+        ProgramCall call{name, {}, {}};
+        ListFolder(mFolder.Path(name + ".calls"), [&](DirEntry&& entry) {
+            call.arguments =
+                ReadWholeFile(mFolder.Path(name + ".calls") + u'/' + entry.name, 1 << 20)
+                    .split('\0');
+            return false;
+        });
+        if (call.arguments.size() >= 2) {
+            call.folder = call.arguments.takeFirst();
+            call.arguments.removeLast(); // what follows the last end of text
+        }
+        return call;
+    }
+    const TempFolder& Folder() const { return mFolder; }
+
+private:
+    TempFolder mFolder;
+    ScopedEnvironment mPath{"PATH", mFolder.Bytes()};
+};
+
+} // namespace quillane
