@@ -27,10 +27,10 @@ QImage NewPicture(int width, int height, QImage::Format format)
 {
     const qint64 depth = QImage::toPixelFormat(format).bitsPerPixel();
     const qint64 rowBytes = (qint64(width) * depth + 31) / 32 * 4;
-    const size_t bytes = size_t(rowBytes) * size_t(height);
-    if (bytes < kLargePicture) {
+    if (width < 1 || height < 1 || rowBytes * height < qint64(kLargePicture)) {
         return QImage(width, height, format);
     }
+    const size_t bytes = size_t(rowBytes) * size_t(height);
     // A huge page more, so that the pixels can begin where one does.
     const size_t room = bytes + kHugePage;
     void* from = ::mmap(nullptr, room, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -42,8 +42,13 @@ QImage NewPicture(int width, int height, QImage::Format format)
     size_t left = room;
     std::align(kHugePage, bytes, pixels, left);
     ::madvise(pixels, bytes, MADV_HUGEPAGE); // a wish: without it everything works the same
-    return QImage(static_cast<uchar*>(pixels), width, height, rowBytes, format, ReleasePicture,
-                  range.release());
+    QImage image(static_cast<uchar*>(pixels), width, height, rowBytes, format, ReleasePicture,
+                 range.get());
+    PictureRange* const owned = range.release();
+    if (image.isNull()) {
+        ReleasePicture(owned);
+    }
+    return image;
 }
 
 } // namespace quillane::worker

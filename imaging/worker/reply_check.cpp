@@ -57,8 +57,9 @@ std::optional<CheckedPicture> CheckAnnouncement(const AnnounceMessage& said, con
         || said.colourCount > kMaxColours) {
         return {};
     }
+    // The sides first: beyond their limits the bytes could overflow.
+    CheckSize(said.width, said.height, 0, format);
     CheckedPicture picture{said, RowBytes(said.width, bits), 0};
-    // Both sides are below 2^31, so the product of a row's bytes and the rows fits 64 bits.
     picture.pixelBytes = picture.rowBytes * said.height;
     CheckSize(said.width, said.height, picture.pixelBytes, format);
     return picture;

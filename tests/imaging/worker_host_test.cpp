@@ -31,11 +31,11 @@ protected:
             }
         }
     }
-    /// Waits until a decoding process has received a file: it holds a descriptor more than its
-    /// three standard streams and its socket.
-    static void AwaitBusyProcess()
+    /// Waits until a decoding process has received a file, so that it holds a descriptor more
+    /// than its three standard streams and its socket; or until the decoding is over.
+    static void AwaitBusyProcess(const std::atomic<bool>& over)
     {
-        for (;;) {
+        while (!over) {
             for (const int pid : ChildProcesses()) {
                 if (OpenDescriptors(QString::number(pid)) > 4) {
                     return;
@@ -202,14 +202,15 @@ TEST_F(WorkerHost, CancellingStopsAPoliteProcessAndKeepsIt)
     const QString path = Picture(20, 20);
     Probe(path, "ECHO");
     const std::vector<int> children = ChildProcesses();
-    std::atomic<bool> cancelled = false;
+    std::atomic<bool> cancelled = false, over = false;
     qint32 number = 0;
     std::thread decoding([&] {
         DecodeRequest request;
         request.cancelled = &cancelled;
         number = FailureOf([&] { Decode(path, "EXIT", request); }).Number();
+        over = true;
     });
-    AwaitBusyProcess();
+    AwaitBusyProcess(over);
     cancelled = true;
     decoding.join();
     EXPECT_EQ(number, kFailureCancelled);
@@ -219,13 +220,16 @@ TEST_F(WorkerHost, CancellingStopsAPoliteProcessAndKeepsIt)
 
 TEST_F(WorkerHost, CancellingEndsAProcessThatDoesNotListen)
 {
-    std::atomic<bool> cancelled = false;
-    DecodeRequest request;
-    request.cancelled = &cancelled;
+    const QString path = Picture(20, 20);
+    std::atomic<bool> cancelled = false, over = false;
     qint32 number = 0;
-    std::thread decoding(
-        [&] { number = FailureOf([&] { Decode(Picture(20, 20), "HANG", request); }).Number(); });
-    AwaitBusyProcess();
+    std::thread decoding([&] {
+        DecodeRequest request;
+        request.cancelled = &cancelled;
+        number = FailureOf([&] { Decode(path, "HANG", request); }).Number();
+        over = true;
+    });
+    AwaitBusyProcess(over);
     cancelled = true;
     decoding.join();
     EXPECT_EQ(number, kFailureCancelled);

@@ -152,7 +152,7 @@ int Serve(std::span<const WorkerCodec> codecs)
         RequestMessage request{};
         Packet packet = ReceivePacket(kSocketDescriptor, &request, sizeof(request));
         if (packet.bytes <= 0) {
-            return 0;
+            ::_exit(0); // nothing to tidy up, and the tools that would look after it are locked out
         }
         const MessageKind kind = request.head.kind;
         if (kind != MessageKind::Probe && kind != MessageKind::Decode

@@ -51,7 +51,8 @@ struct WorkerCodec {
     void (*comments)(ByteSource& source, const TextVisitor& visit);
 };
 
-/// Serves requests on kSocketDescriptor until its other end closes. Returns the exit status.
+/// Serves requests on kSocketDescriptor; ends the process when the other end closes. Returns
+/// an exit status only when the process cannot lock itself.
 int Serve(std::span<const WorkerCodec> codecs);
 
 } // namespace quillane::worker
