@@ -9,7 +9,7 @@ namespace quillane {
 class ByteSource {
 public:
     virtual ~ByteSource() = default;
-    virtual qint64 Size() const = 0;
+    virtual qint64 Size() const = 0; ///< bytes
     /// Copies up to `count` bytes from `position`; returns how many there were.
     virtual qint64 ReadAt(qint64 position, void* to, qint64 count) = 0;
     /// The first bytes, at most `count`.

@@ -76,18 +76,22 @@ private:
     qint64 mSize;
 };
 
+/// Two bytes as a number, lowest first.
 inline quint16 Little16(const uchar* p)
 {
     return quint16(p[0] | p[1] << 8);
 }
+/// Four bytes as a number, lowest first.
 inline quint32 Little32(const uchar* p)
 {
     return quint32(p[0]) | quint32(p[1]) << 8 | quint32(p[2]) << 16 | quint32(p[3]) << 24;
 }
+/// Two bytes as a number, highest first.
 inline quint16 Big16(const uchar* p)
 {
     return quint16(p[0] << 8 | p[1]);
 }
+/// Four bytes as a number, highest first.
 inline quint32 Big32(const uchar* p)
 {
     return quint32(p[0]) << 24 | quint32(p[1]) << 16 | quint32(p[2]) << 8 | quint32(p[3]);

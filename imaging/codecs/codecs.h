@@ -4,31 +4,51 @@
 
 namespace quillane::codecs {
 
+/// Codec::matches of JPEG: JFIF, Exif and bare streams.
 bool JpegMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
 ImageFacts JpegProbe(ByteSource& source);
+/// Codec::decode of the same.
 Bitmap JpegDecode(ByteSource& source, const DecodeRequest& request);
 
+/// Codec::matches of PNG.
 bool PngMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
 ImageFacts PngProbe(ByteSource& source);
+/// Codec::decode of the same.
 Bitmap PngDecode(ByteSource& source, const DecodeRequest& request);
 
+/// Codec::matches of GIF: the first frame on its screen.
 bool GifMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
 ImageFacts GifProbe(ByteSource& source);
+/// Codec::decode of the same.
 Bitmap GifDecode(ByteSource& source, const DecodeRequest& request);
 
+/// Codec::matches of BMP of Windows and OS/2.
 bool BmpMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
 ImageFacts BmpProbe(ByteSource& source);
+/// Codec::decode of the same.
 Bitmap BmpDecode(ByteSource& source, const DecodeRequest& request);
 
+/// Codec::matches of Windows icons and cursors: the first picture of the file.
 bool IcoMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
 ImageFacts IcoProbe(ByteSource& source);
+/// Codec::decode of the same.
 Bitmap IcoDecode(ByteSource& source, const DecodeRequest& request);
 
+/// Codec::matches of PBM, PGM and PPM, written and binary.
 bool PnmMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
 ImageFacts PnmProbe(ByteSource& source);
+/// Codec::decode of the same.
 Bitmap PnmDecode(ByteSource& source, const DecodeRequest& request);
 
+/// Codec::matches of TIFF and BigTIFF in either byte order.
 bool TiffMatches(QByteArrayView head, QStringView extension);
+/// Codec::matches of DICOM, with its preamble or, by the extension, without.
 bool DicomMatches(QByteArrayView head, QStringView extension);
 
 } // namespace quillane::codecs

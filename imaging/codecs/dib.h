@@ -40,6 +40,7 @@ QList<QRgb> ReadDibColours(ByteSource& source, const DibHeader& header);
 class DibRows {
 public:
     explicit DibRows(const DibHeader& header);
+    /// One stored row (RowBytes of the header) to one row of pixels.
     void Unpack(const uchar* from, uchar* to) const;
 
 private:

@@ -30,9 +30,9 @@ public:
     /// ends or something is wrong; then Rows and Trouble hold.
     void DecodeRows(uchar* to, qint64 line);
 
-    int Width() const;
-    int Height() const;
-    JpegPixels Pixels() const;
+    int Width() const;           ///< of the reduced picture
+    int Height() const;          ///< of the reduced picture
+    JpegPixels Pixels() const;   ///< how DecodeRows writes them
     bool HasInvertedInk() const; ///< 255 is no ink, as Adobe's programs write it
     int Rows() const;            ///< decoded, from the top
     JpegTrouble Trouble() const;
