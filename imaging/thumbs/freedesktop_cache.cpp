@@ -23,7 +23,7 @@ QImage ReadIfFresh(const QString& thumbnailPath, const CacheSize& size, const QB
         // Some programs write fractions of a second behind a point.
         bool known = false;
         const QByteArray time = ThumbnailPngText(png, "Thumb::MTime");
-        const qint64 seconds = time.left(time.indexOf('.')).toLongLong(&known);
+        const qint64 seconds = time.split('.').first().toLongLong(&known);
         const QByteArray madeOf = ThumbnailPngText(png, "Thumb::URI");
         const QByteArray bytes = ThumbnailPngText(png, "Thumb::Size");
         if (known && seconds == stat.modifiedSeconds && (madeOf.isEmpty() || madeOf == address)
@@ -34,10 +34,12 @@ QImage ReadIfFresh(const QString& thumbnailPath, const CacheSize& size, const QB
     return image;
 }
 
-/// Files of the cache itself have no thumbnails in it.
-bool IsInCache(const QString& cacheFolder, const QString& path)
+/// Files of the cache itself have no thumbnails in it, and only a full path has an address.
+bool HasPlaceInCache(const QString& cacheFolder, const QString& path)
 {
-    return path.startsWith(cacheFolder) && path.mid(cacheFolder.size()).startsWith(u'/');
+    const bool inCache =
+        path.startsWith(cacheFolder) && path.mid(cacheFolder.size()).startsWith(u'/');
+    return !cacheFolder.isEmpty() && !inCache && path.startsWith(u'/');
 }
 
 bool CoversBox(const QImage& image, const CacheSize& size, QSize box)
@@ -77,7 +79,7 @@ QString CachedThumbnailPath(const QString& cacheFolder, const CacheSize& size, c
 QImage ReadCachedThumbnail(const QString& cacheFolder, const QString& path, const FileStat& stat,
                            QSize box)
 {
-    if (cacheFolder.isEmpty() || IsInCache(cacheFolder, path)) {
+    if (!HasPlaceInCache(cacheFolder, path)) {
         return {};
     }
     const QByteArray address = ThumbnailAddress(path);
@@ -95,8 +97,8 @@ qint64 WriteCachedThumbnail(const QString& cacheFolder, const QString& path, con
                             const CacheSize& size, const QImage& thumbnail, QSize picture)
 {
     const QString sizeFolder = cacheFolder + u'/' + QLatin1String(size.folder);
-    if (cacheFolder.isEmpty() || IsInCache(cacheFolder, path) || thumbnail.isNull()
-        || !MakeFolder(cacheFolder, 0700) || !MakeFolder(sizeFolder, 0700)) {
+    if (!HasPlaceInCache(cacheFolder, path) || thumbnail.isNull() || !MakeFolder(cacheFolder, 0700)
+        || !MakeFolder(sizeFolder, 0700)) {
         return 0;
     }
     const QByteArray png =

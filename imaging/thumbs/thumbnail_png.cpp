@@ -37,7 +37,7 @@ quint32 ThumbnailPngCheckSum(const QByteArray& bytes)
     return ~sum;
 }
 
-QByteArray ThumbnailPngTextChunk(const PngText& text)
+QByteArray ThumbnailTextChunk(const ThumbnailText& text)
 {
     const auto big = [](quint32 value) {
         const quint32 swapped = qToBigEndian(value);
@@ -50,7 +50,7 @@ QByteArray ThumbnailPngTextChunk(const PngText& text)
 
 } // namespace
 
-QByteArray EncodeThumbnailPng(const QImage& image, const std::vector<PngText>& texts)
+QByteArray EncodeThumbnailPng(const QImage& image, const std::vector<ThumbnailText>& texts)
 {
     const bool alpha = image.hasAlphaChannel();
     const QImage pixels =
@@ -73,8 +73,8 @@ QByteArray EncodeThumbnailPng(const QImage& image, const std::vector<PngText>& t
         return {};
     }
     QByteArray result = png.first(kThumbnailPngHead);
-    for (const PngText& text : texts) {
-        result += ThumbnailPngTextChunk(text);
+    for (const ThumbnailText& text : texts) {
+        result += ThumbnailTextChunk(text);
     }
     result.append(png.constData() + kThumbnailPngHead, qsizetype(size) - kThumbnailPngHead);
     return result;

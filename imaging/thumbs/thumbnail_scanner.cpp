@@ -48,6 +48,7 @@ struct ThumbnailScanner::State {
     std::condition_variable wanted; ///< room for more results
     size_t next = 0;                ///< first path no reader has taken
     size_t delivered = 0;           ///< paths that are through
+    bool full = false;              ///< readers wait for room
     bool stop = false;
     std::vector<std::thread> readers;
     std::atomic<int> reading = 0; ///< readers that are not through
@@ -55,6 +56,8 @@ struct ThumbnailScanner::State {
     ~State();
     static HeaderResult ReadHeader(const QString& path);
     void Read();
+    /// What is before `path` is through. Under the lock.
+    void Advance(size_t path);
     /// Paths that are not to be read any more: those before `path`.
     void SkipTo(size_t path);
     void End();
@@ -97,28 +100,41 @@ void ThumbnailScanner::State::Read()
     std::vector<HeaderResult> results;
     std::unique_lock lock(mutex);
     for (;;) {
-        wanted.wait(lock, [this] {
-            return stop || next >= paths.size() || next < delivered + ring.size();
-        });
+        full = full || next >= delivered + ring.size();
+        wanted.wait(lock, [this] { return stop || next >= paths.size() || !full; });
         if (stop || next >= paths.size()) {
             return;
         }
-        const size_t from = std::max(next, delivered);
-        const size_t end = std::min({from + kHeadersAtOnce, paths.size(), delivered + ring.size()});
-        next = end;
+        // Few at a time where few are left, so that every reader has its part.
+        const size_t share = (paths.size() - next) / (2 * kHeaderReaders);
+        const size_t from = next;
+        const size_t count = std::clamp<size_t>(share, 1, kHeadersAtOnce);
+        next = std::min({from + count, paths.size(), delivered + ring.size()});
+        const size_t end = next;
         lock.unlock();
         results.clear();
         for (size_t i = from; i < end; ++i) {
             results.push_back(ReadHeader(paths[i]));
         }
         lock.lock();
-        for (size_t i = from; i < end; ++i) {
-            // What was skipped meanwhile has no place any more.
-            if (i >= delivered) {
-                At(i) = std::move(results[i - from]);
-            }
+        // What was skipped meanwhile has no place any more.
+        for (size_t i = std::max(from, delivered); i < end; ++i) {
+            At(i) = std::move(results[i - from]);
         }
-        read.notify_one();
+        if (delivered < paths.size() && At(delivered).ready) {
+            read.notify_one();
+        }
+    }
+}
+
+void ThumbnailScanner::State::Advance(size_t path)
+{
+    delivered = path;
+    next = std::max(next, path);
+    // Readers that have run far enough ahead sleep until half of their lead is used up.
+    if (full && next - delivered <= ring.size() / 2) {
+        full = false;
+        wanted.notify_all();
     }
 }
 
@@ -128,9 +144,7 @@ void ThumbnailScanner::State::SkipTo(size_t path)
     for (size_t i = delivered; i < std::min(path, delivered + ring.size()); ++i) {
         At(i).ready = false;
     }
-    delivered = std::max(delivered, path);
-    next = std::max(next, path);
-    wanted.notify_all();
+    Advance(std::max(delivered, path));
 }
 
 void ThumbnailScanner::State::End()
@@ -162,8 +176,7 @@ void ThumbnailScanner::Prepare(const FolderListing& listing, const QStringList& 
     }
     mState->maskBegin.push_back(mState->paths.size());
     mState->ring.resize(std::clamp<size_t>(mState->paths.size(), 1, kHeadersAhead));
-    const size_t readers = std::min<size_t>(
-        kHeaderReaders, (mState->paths.size() + kHeadersAtOnce - 1) / kHeadersAtOnce);
+    const size_t readers = std::min<size_t>(kHeaderReaders, mState->paths.size());
     mState->reading = int(readers);
     for (size_t i = 0; i < readers; ++i) {
         mState->readers.emplace_back([state = mState.get()] {
@@ -204,8 +217,7 @@ bool ThumbnailScanner::Browse(int index, Generation generation, const Event& eve
                 batch.push_back(std::move(state->At(i)));
                 state->At(i).ready = false;
             }
-            state->delivered += batch.size();
-            state->wanted.notify_all();
+            state->Advance(at + batch.size());
         }
         if (batch.empty() && !mLoop.Yield(generation)) {
             return false;

@@ -2,6 +2,7 @@
 
 #include "core/failure.h"
 #include "imaging/reader.h"
+#include "imaging/thumbs/area_shrink.h"
 #include "imaging/thumbs/exif_preview.h"
 #include "imaging/thumbs/freedesktop_cache.h"
 
@@ -47,20 +48,25 @@ bool SameShape(QSize a, QSize b)
     return std::abs(ratio - 1) <= kShapeTolerance;
 }
 
-/// Small and ready for the screen. What is cheap per pixel is done before the colours are.
+/// Small and ready for the screen. Colours are converted when there are few pixels left of them.
 QImage ShrunkForDisplay(const Bitmap& bitmap, QSize size)
 {
-    if (bitmap.Model() == ColourModel::Rgb && bitmap.Pixels().depth() == 32
-        && bitmap.Pixels().size() != size) {
+    const QImage& pixels = bitmap.Pixels();
+    const bool direct = pixels.format() == QImage::Format_RGB32
+        || (bitmap.Model() == ColourModel::Cmyk && pixels.format() == QImage::Format_RGBA8888);
+    if (direct) {
         Bitmap small = bitmap;
-        small.Pixels() =
-            bitmap.Pixels().scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        small.Pixels() = ShrinkByArea(pixels, size);
         return small.ToDisplay();
     }
-    const QImage shown = bitmap.ToDisplay();
-    return shown.size() == size
-        ? shown
-        : shown.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    if (pixels.format() == QImage::Format_ARGB32) {
+        Bitmap small = bitmap;
+        small.Pixels() =
+            ShrinkByArea(pixels.convertToFormat(QImage::Format_ARGB32_Premultiplied), size)
+                .convertToFormat(QImage::Format_ARGB32);
+        return small.ToDisplay();
+    }
+    return ShrinkByArea(bitmap.ToDisplay(), size);
 }
 
 QSize Turned(QSize size, int orientation)
@@ -148,9 +154,7 @@ Thumbnail MakeThumbnail(const QString& path, QSize box, const ThumbnailOptions& 
         const QImage cached = ReadCachedThumbnail(options.cacheFolder, path, result.stat, box);
         if (!cached.isNull()) {
             const QSize fitted = FittedSize(cached.size(), box);
-            result.image = cached.size() == fitted
-                ? cached
-                : cached.scaled(fitted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            result.image = ShrinkByArea(cached, fitted);
             result.from = ThumbnailFrom::Cache;
         } else {
             MakeFromFile(path, box, options, result);
