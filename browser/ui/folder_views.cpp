@@ -6,7 +6,8 @@ namespace quillane {
 
 namespace {
 
-constexpr int kRowBatch = 250; // rows that come into the list at once
+constexpr int kSmallestCell = 16, kLargestCell = 1024; // pixels
+constexpr int kRowBatch = 250;                         // rows that come into the list at once
 
 QIcon KindIcon(const QString& key)
 {
@@ -103,11 +104,22 @@ void FolderViews::SelectAllVisible()
     }
 }
 
+void FolderViews::FocusView()
+{
+    if (mThumbnails) {
+        mGrid->setFocus();
+    } else {
+        mList->setFocus();
+    }
+}
+
 void FolderViews::ClearGrid(qint16 cellWidth, qint16 cellHeight)
 {
     mPool.Clear();
     mGrid->Clear();
-    mGrid->SetCellSize(cellWidth, cellHeight);
+    // Stored sizes that make no sense would make cells that cannot be seen.
+    mGrid->SetCellSize(qBound(kSmallestCell, int(cellWidth), kLargestCell),
+                       qBound(kSmallestCell, int(cellHeight), kLargestCell));
 }
 
 void FolderViews::AddCell(const QString& path, const ImageFacts& facts)

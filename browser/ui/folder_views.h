@@ -27,6 +27,8 @@ public:
     /// Paths of the selected files, in view order.
     QStringList SelectedPaths() const;
     void SelectAllVisible();
+    /// Gives the keyboard to the visible view.
+    void FocusView();
 
     void ClearGrid(qint16 cellWidth, qint16 cellHeight);
     void AddCell(const QString& path, const ImageFacts& facts);

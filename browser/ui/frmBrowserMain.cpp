@@ -21,6 +21,13 @@ constexpr int kLeastWidth = 640;
 constexpr int kLeastHeight = 440;
 constexpr int kWelcomePicture = 12;
 
+/// A stored position in pixels; one that no screen has counts as the corner.
+int PixelsOfTwips(float twips)
+{
+    constexpr float kFarthest = 1'000'000;
+    return twips >= 0 && twips <= kFarthest ? int(twips) / kTwipsPerPixel : 0;
+}
+
 } // namespace
 
 frmBrowserMain::frmBrowserMain(Session& session, SettingsStore& store, Platform platform,
@@ -82,6 +89,7 @@ void frmBrowserMain::Load()
     } else {
         mViews->ShowView(mSettings.listStyle);
     }
+    mViews->FocusView();
     mTree->Select(mSession.gsPath.isEmpty() ? mPlatform.places.Pictures() : mSession.gsPath);
 }
 
@@ -141,8 +149,8 @@ void frmBrowserMain::ArrangeMainWindow()
 {
     const QScreen* onScreen = screen();
     const QRect available = onScreen->availableGeometry();
-    const QRect wanted(int(mSettings.left / kTwipsPerPixel), int(mSettings.top / kTwipsPerPixel),
-                       kPreferredWidth, kPreferredHeight);
+    const QRect wanted(PixelsOfTwips(mSettings.left), PixelsOfTwips(mSettings.top), kPreferredWidth,
+                       kPreferredHeight);
     const QRect fitted = FitToScreen(wanted, available.size());
     resize(fitted.size());
     move(fitted.topLeft() + available.topLeft());
