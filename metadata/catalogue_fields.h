@@ -32,6 +32,7 @@ struct GeneralField {
     const char* box;          ///< the viewer's box; nullptr for none
     const char* boxLabel;     ///< the words beside the box
 };
+/// The general tags in the order of the text block.
 std::span<const GeneralField> GeneralFields();
 
 } // namespace quillane

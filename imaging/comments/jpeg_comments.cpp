@@ -77,12 +77,4 @@ void ReadJpegComments(ByteSource& source, CommentSet& set)
     }
 }
 
-void ReadTiffComments(ByteSource& source, CommentSet& set)
-{
-    const QByteArray lifted = LiftExif(source);
-    if (!lifted.isEmpty()) {
-        AddExifValues(lifted, set);
-    }
-}
-
 } // namespace quillane

@@ -3,6 +3,7 @@
 #include "imaging/comments/comment_set.h"
 #include "imaging/comments/slots.h"
 #include "imaging/limits.h"
+#include "picture_maker.h"
 #include "worker_support.h"
 
 #include <QHash>
@@ -186,6 +187,49 @@ TEST_F(CommentSamples, HostileFilesAndEveryTruncationEndQuickly)
     }
     std::cout << files << " files, each cut at 20 places\n";
     EXPECT_EQ(files > 0, test::HasSamples());
+}
+
+TEST_F(CommentSamples, WhatAnotherWriterWritesIsRead)
+{
+    if (!test::HasTool(QStringLiteral("exiftool"))) {
+        std::cout << "no exiftool here\n";
+        return;
+    }
+    const auto write = [](const QString& file, QStringList arguments) {
+        arguments << QStringLiteral("-overwrite_original") << file;
+        ASSERT_TRUE(test::RunTool(QStringLiteral("exiftool"), arguments).has_value());
+    };
+    const QString jpeg = Write(QStringLiteral("a.jpg"), making::MakeJpeg({}));
+    const QString png = Write(QStringLiteral("a.png"), making::MakePng({}));
+    const QString gif = Write(QStringLiteral("a.gif"), making::MakeGif({}));
+    const QStringList exif = {QStringLiteral("-n"),
+                              QStringLiteral("-Artist=Ann"),
+                              QStringLiteral("-ImageDescription=City=Rome"),
+                              QStringLiteral("-DateTimeOriginal=2003:01:05 13:07:09"),
+                              QStringLiteral("-ExposureTime=0.004"),
+                              QStringLiteral("-ISO=400"),
+                              QStringLiteral("-SensingMethod=2"),
+                              QStringLiteral("-GPSLatitude=40.5"),
+                              QStringLiteral("-GPSLatitudeRef=S")};
+    write(jpeg, exif);
+    write(png,
+          exif
+              + QStringList{QStringLiteral("-PNG:Title=A title"),
+                            QStringLiteral("-PNG:Comment=A comment")});
+    write(gif, {QStringLiteral("-Comment=City=Rome")});
+    for (const QString& file : {jpeg, png}) {
+        const CommentSet set = ReadComments(file);
+        EXPECT_EQ(TextOfSlot(set, 0), QStringLiteral("Ann"));
+        EXPECT_EQ(TextOfSlot(set, 3), QStringLiteral("City=Rome"));
+        EXPECT_EQ(TextOfSlot(set, 22), QStringLiteral("2003:01:05 13:07:09"));
+        EXPECT_EQ(set.At(34), CommentValue(QVector<double>{1, 250}));
+        EXPECT_EQ(set.At(162), CommentValue(400));
+        EXPECT_EQ(set.At(171).Bytes().at(0), 2);
+        EXPECT_EQ(DegreesOf(set, 42, 43), -40.5);
+    }
+    EXPECT_EQ(TextOfSlot(ReadComments(png), 175), QStringLiteral("A title"));
+    EXPECT_EQ(TextOfSlot(ReadComments(png), 178), QStringLiteral("A comment"));
+    EXPECT_EQ(TextOfSlot(ReadComments(gif), 3), QStringLiteral("City=Rome"));
 }
 
 TEST_F(CommentSamples, AnotherReaderTellsTheSame)
