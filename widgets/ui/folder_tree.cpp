@@ -24,6 +24,16 @@ class FolderDelegate : public QStyledItemDelegate {
 public:
     using QStyledItemDelegate::QStyledItemDelegate;
 
+    void setEditorData(QWidget* editor, const QModelIndex& index) const override
+    {
+        // Once: news of the folder must not overwrite what is being typed.
+        constexpr const char* kFilled = "filled";
+        if (!editor->property(kFilled).toBool()) {
+            editor->setProperty(kFilled, true);
+            QStyledItemDelegate::setEditorData(editor, index);
+        }
+    }
+
 protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
     {
@@ -52,6 +62,8 @@ FolderTree::FolderTree(Dialogs& dialogs, QWidget* parent)
     setObjectName(QStringLiteral("tvExplore"));
     setAccessibleName(tr("Folders"));
     mModel->SetPlaces(FolderTreeModel::SystemPlaces());
+    // Before the base class hears of it, which would select a neighbour.
+    connect(mModel, &FolderTreeModel::rowsAboutToBeRemoved, this, &FolderTree::RowsGoing);
     setModel(mModel);
     setItemDelegate(new FolderDelegate(this));
     setHeaderHidden(true);
@@ -68,7 +80,6 @@ FolderTree::FolderTree(Dialogs& dialogs, QWidget* parent)
     connect(this, &QTreeView::expanded, this, &FolderTree::FitColumn);
     connect(this, &QTreeView::collapsed, this, &FolderTree::FitColumn);
     connect(mModel, &FolderTreeModel::renameWanted, this, &FolderTree::Renamed);
-    connect(mModel, &FolderTreeModel::rowsAboutToBeRemoved, this, &FolderTree::RowsGoing);
     connect(mModel, &FolderTreeModel::folderRead, this, &FolderTree::FolderRead);
 }
 
