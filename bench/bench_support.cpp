@@ -48,7 +48,7 @@ struct Texture {
                 for (int c = 0; c < 3; ++c) {
                     const double wave =
                         std::sin((x + c * 90) * 0.011) + std::sin(y * (0.007 + c * 0.004));
-                    const int value = 128 + int(wave * 50) + int((noise >> 8 * c) & 15) - 8;
+                    const int value = 128 + int(wave * 50) + int((noise >> 8 * c) & 31) - 16;
                     *out++ = quint8(std::clamp(value, 0, 255));
                 }
             }

@@ -1,10 +1,7 @@
 #include "imaging/thumbs/thumbnail_png.h"
 
-#include "core/failure.h"
-#include "imaging/codec.h"
-
+#include <QSysInfo>
 #include <QtEndian>
-#include <algorithm>
 #include <array>
 #include <cstring>
 #include <png.h>
@@ -15,6 +12,9 @@ namespace {
 
 constexpr qsizetype kThumbnailPngHead = 33;  // mark and header chunk
 constexpr qsizetype kThumbnailPngFrame = 12; // length, name and check sum of a chunk
+/// Where a pixel of 32 bits holds its colours, byte by byte.
+constexpr png_uint_32 kThumbnailPngLayout =
+    QSysInfo::ByteOrder == QSysInfo::LittleEndian ? PNG_FORMAT_BGRA : PNG_FORMAT_ARGB;
 
 /// CRC-32 as PNG uses it (polynomial 0xedb88320, reflected).
 quint32 ThumbnailPngCheckSum(const QByteArray& bytes)
@@ -100,20 +100,27 @@ QByteArray ThumbnailPngText(const QByteArray& png, const QByteArray& keyword)
 
 QImage DecodeThumbnailPng(const QByteArray& png, int maxSide)
 {
-    const Codec* codec =
-        FindCodec(QByteArrayView(png).first(std::min<qsizetype>(512, png.size())), u"PNG");
-    if (!codec || codec->inWorker || png.size() < kThumbnailPngHead) {
+    png_image shape;
+    std::memset(&shape, 0, sizeof shape);
+    shape.version = PNG_IMAGE_VERSION;
+    if (!png_image_begin_read_from_memory(&shape, png.constData(), size_t(png.size()))) {
         return {};
     }
     QImage image;
-    ResumeNext([&] {
-        MemorySource source(png);
-        const ImageFacts facts = codec->probe(source);
-        if (facts.width <= maxSide && facts.height <= maxSide) {
-            const Bitmap bitmap = codec->decode(source, {});
-            image = bitmap.IsPartial() ? QImage() : bitmap.ToDisplay();
+    if (shape.width <= png_uint_32(maxSide) && shape.height <= png_uint_32(maxSide)) {
+        const bool alpha = (shape.format & PNG_FORMAT_FLAG_ALPHA) != 0;
+        shape.format = kThumbnailPngLayout;
+        image = QImage(int(shape.width), int(shape.height),
+                       alpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+        if (!image.isNull()
+            && !png_image_finish_read(&shape, nullptr, image.bits(),
+                                      png_int_32(image.bytesPerLine()), nullptr)) {
+            image = {};
+        } else if (alpha) {
+            image.convertTo(QImage::Format_ARGB32_Premultiplied);
         }
-    });
+    }
+    png_image_free(&shape);
     return image;
 }
 
