@@ -8,7 +8,7 @@
 //   comments: any number of Text, then Done; or Refused
 //   decode:   any number of Profile (pieces of the colour profile), Announce; the program
 //             replies Grant (with a memory file, unless both map one already); then Rows, as
-//             they become ready, and Done; or Refused
+//             they become ready, of a large picture, and Done; or Refused
 // Pixels go through a window in shared memory that is used as a ring of rows: row r lies at
 // place r modulo the number of whole rows in the window. The program copies what is ready and
 // answers Taken; the process never runs further ahead than the window is long. So the memory
@@ -28,8 +28,12 @@ inline constexpr int kMaxTextBytes = 48 * 1024; ///< UTF-8 of one comment text
 inline constexpr int kMaxTexts = 64;            ///< comment texts of one file
 /// Bytes of the window.
 inline constexpr qint64 kWindowBytes = 8ll << 20;
-/// Rows are announced whenever so many bytes are ready.
-inline constexpr qint64 kRowsStepBytes = 1ll << 20;
+/// Rows of a picture that is larger than the window are announced whenever so many bytes are
+/// ready; the others at once at the end. Every announcement changes from one process to the
+/// other and back, which on a busy machine costs more than the copying.
+inline constexpr qint64 kRowsStepBytes = kWindowBytes / 2;
+/// A process looks for a Cancel whenever it has written so many bytes.
+inline constexpr qint64 kListenStepBytes = 1ll << 20;
 
 enum class MessageKind : quint32 {
     Probe = 1,

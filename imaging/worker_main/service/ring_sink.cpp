@@ -51,7 +51,9 @@ void RingSink::Begin(const PictureShape& shape)
                           .arg(shape.height));
     }
     mRing = RowsInWindow(mRowBytes);
-    mStep = std::clamp<qint64>(kRowsStepBytes / mRowBytes, 1, mRing / 2);
+    mStep = mHeight <= mRing ? mHeight + 1
+                             : std::clamp<qint64>(kRowsStepBytes / mRowBytes, 1, mRing / 2);
+    mListenStep = std::max<qint64>(1, kListenStepBytes / mRowBytes);
 
     for (qsizetype at = 0; at < shape.profile.size(); at += kMaxTextBytes) {
         PieceMessage piece;
@@ -120,7 +122,6 @@ void RingSink::SendRows()
     const RowsMessage rows{{kProtocolMark, MessageKind::Rows, mTicket}, qint32(mGiven)};
     Say(&rows, sizeof(rows));
     mSaid = mGiven;
-    Listen(false);
 }
 
 uchar* RingSink::NextRow()
@@ -130,6 +131,10 @@ uchar* RingSink::NextRow()
     }
     if (mGiven - mSaid >= mStep) {
         SendRows();
+    }
+    if (mGiven - mHeard >= mListenStep) {
+        mHeard = mGiven;
+        Listen(false);
     }
     while (mGiven - mTaken >= mRing) {
         Listen(true);

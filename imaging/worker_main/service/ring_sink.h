@@ -36,9 +36,10 @@ private:
     Window& mWindow;
     quint64 mTicket;
     const char* mFormat;
-    qint64 mRowBytes = 0, mHeight = 0, mRing = 0, mStep = 0;
+    qint64 mRowBytes = 0, mHeight = 0, mRing = 0, mStep = 0, mListenStep = 0;
     qint64 mGiven = 0; ///< rows handed to the decoder
     qint64 mSaid = 0;  ///< rows announced
+    qint64 mHeard = 0; ///< rows given when the program was listened to last
     qint64 mTaken = 0; ///< rows the program has copied
     bool mGranted = false;
 };
