@@ -34,6 +34,7 @@ public:
     virtual void BeginHourglass() = 0;
     virtual void EndHourglass() = 0;
 
+    /// The current local time.
     virtual QDateTime Now() const = 0;
     /// Date and time as the system's locale writes them in short form.
     virtual QString SystemDateText(const QDateTime& when) const = 0;
