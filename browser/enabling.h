@@ -13,6 +13,7 @@ struct PopupRules {
     bool editTags;     ///< mnuPopEditTags
     bool showAlbum;    ///< mnuPopShow
 };
+/// Which pop-up entries the current file and the album allow.
 PopupRules UpdatePopupMenu(const Session& session);
 
 } // namespace quillane

@@ -36,6 +36,7 @@ struct ToolButton {
     const char* icon; ///< bundled icon name
     EntryState state = EntryState::Built;
 };
+/// The ten buttons in their order, separators among them.
 std::span<const ToolButton> FixedToolButtons();
 
 /// Placeholders behind the fixed buttons, with their widths in pixels.

@@ -19,6 +19,7 @@ struct ToolRow {
     const char* window; ///< the window it shows, or nullptr
 };
 inline constexpr qint32 kFirstCustomTool = 2, kLastCustomTool = 5, kSystemTool = 6;
+/// The seven tools in the order of their numbers.
 std::span<const ToolRow> ImageTools();
 
 } // namespace quillane

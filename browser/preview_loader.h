@@ -43,7 +43,9 @@ public:
     void Cancel();
 
 Q_SIGNALS:
+    /// Facts that TakeFacts did not get in time.
     void FactsReady(const quillane::PreviewFacts& facts);
+    /// The newest request's picture, or why there is none.
     void PictureReady(const quillane::PreviewPicture& picture);
 
 private:

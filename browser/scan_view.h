@@ -21,12 +21,14 @@ class ScanView {
 public:
     virtual ~ScanView() = default;
 
+    /// Text of status panel 1 to 4.
     virtual void SetPanel(int panel, const QString& text) = 0;
     virtual void ShowProgress(int maximum) = 0; ///< from 0, value 0
     /// A value beyond the maximum is passed over.
     virtual void SetProgress(int value) = 0;
     virtual void HideProgress() = 0;
 
+    /// Removes all cells; the new ones hold pictures of this many pixels.
     virtual void ClearGrid(qint16 cellWidth, qint16 cellHeight) = 0;
     /// Appends a cell; its pixels come later.
     virtual void AddCell(const QString& path, const ImageFacts& facts) = 0;

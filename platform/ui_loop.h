@@ -35,6 +35,7 @@ public:
     virtual void EndHourglass() = 0;
 
     /// The current local time.
+    /// Date and time now, local.
     virtual QDateTime Now() const = 0;
     /// Date and time as the system's locale writes them in short form.
     virtual QString SystemDateText(const QDateTime& when) const = 0;

@@ -23,6 +23,7 @@ public:
     /// Shows the grid (style -1) or the list in a style 0 to 3.
     void ShowView(int style);
     bool ThumbnailsShown() const { return mThumbnails; }
+    /// Selected flags of the visible view, one for each file.
     QVector<bool> SelectedFlags() const;
     /// Paths of the selected files, in view order.
     QStringList SelectedPaths() const;
@@ -30,12 +31,20 @@ public:
     /// Gives the keyboard to the visible view.
     void FocusView();
 
+    // What a scan fills; see ScanView.
+    /// Removes all cells and drops the thumbnails being made for them.
     void ClearGrid(qint16 cellWidth, qint16 cellHeight);
+    /// Appends a cell whose thumbnail comes when it is seen.
     void AddCell(const QString& path, const ImageFacts& facts);
+    /// Appends a cell with the picture of an album or a print-setting file.
     void AddStockCell(const QString& path, StockPicture picture);
+    /// Shows what was added, now.
     void FinishGrid();
+    /// Removes all rows and sets the captions of columns 4 to 7.
     void ClearRows(const std::array<QString, 4>& captions);
+    /// Gathers a row; rows appear in batches.
     void AddRow(const ScanRow& row);
+    /// Rows gathered so far appear.
     void FinishRows();
 
     /// The line that says the folder has changed.

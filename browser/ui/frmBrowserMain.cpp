@@ -17,6 +17,7 @@ namespace {
 
 constexpr int kPreferredWidth = 1180; // pixels
 constexpr int kPreferredHeight = 780;
+constexpr int kTitleHeight = 30; // what the desktop puts above a window, counted with it
 constexpr int kLeastWidth = 640;
 constexpr int kLeastHeight = 440;
 constexpr int kWelcomePicture = 12;

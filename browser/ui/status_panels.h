@@ -10,6 +10,7 @@ class StatusPanel : public QFrame {
     Q_OBJECT
 public:
     explicit StatusPanel(QWidget* parent = nullptr);
+    /// Shows this text from now on; the tool tip has it whole.
     void SetText(const QString& text);
     const QString& Text() const { return mText; }
     QSize minimumSizeHint() const override;
