@@ -11,4 +11,3 @@ function(quillane_link_dcmtk target)
   endforeach()
 endfunction()
 
-include(QuillaneWorker)

@@ -19,16 +19,10 @@ function(quillane_worker_program target)
   target_link_libraries(${target} PRIVATE quillane_options quillane_worker)
   target_link_options(${target} PRIVATE -Wl,--as-needed)
 endfunction()
-# imaging/ itself must not be searched: its limits.h would be taken for the system's.
-set_property(TARGET quillane-codec PROPERTY INCLUDE_DIRECTORIES)
 quillane_worker_program(quillane-codec)
 
 if(QUILLANE_TESTS)
   file(GLOB bad_worker_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/imaging/bad_worker/*.cpp)
-  if(bad_worker_sources)
-    add_executable(quillane-bad-codec ${bad_worker_sources})
-    quillane_worker_program(quillane-bad-codec)
-    cmake_language(EVAL CODE "cmake_language(DEFER DIRECTORY [[${CMAKE_SOURCE_DIR}]]
-      CALL add_dependencies test_imaging quillane-bad-codec)")
-  endif()
+  add_executable(quillane-bad-codec ${bad_worker_sources})
+  quillane_worker_program(quillane-bad-codec)
 endif()

@@ -28,7 +28,9 @@ struct SourceFile {
     bool IsTest() const { return path.startsWith("tests/"); }
     bool IsBench() const { return path.startsWith("bench/"); }
     /// Part of the program or of its worker.
-    bool IsProduct() const { return IsCpp() && !IsTest() && !IsBench(); }
+    bool IsProduct() const { return IsCpp() && !IsTest() && !IsBench() && !IsScript(); }
+    /// What makes the sample pictures and the like; never part of the program.
+    bool IsScript() const { return path.startsWith(QStringLiteral("scripts/")); }
 };
 /// All text files of the project: sources, scripts, build files. Build trees, hidden folders and
 /// pictures are left out.
