@@ -9,6 +9,7 @@
 //       time from the start of the process to the first painted window
 // Needs an X server (or another real platform); QT_QPA_PLATFORM decides.
 #include "browser/ui/program.h"
+#include "core/paths.h"
 #include "platform/ui/application.h"
 #include "platform/ui/desktop_platform.h"
 
