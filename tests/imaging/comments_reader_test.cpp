@@ -7,8 +7,6 @@
 
 namespace quillane {
 
-namespace {
-
 class CommentReaderTest : public testing::Test {
 protected:
     QString Make(const QByteArray& name, const QByteArray& description)
@@ -31,8 +29,6 @@ protected:
     TempFolder mFolder;
     CommentReader mReader;
 };
-
-} // namespace
 
 TEST_F(CommentReaderTest, AllSlotsOfAFileCostOneLookAndOneParse)
 {

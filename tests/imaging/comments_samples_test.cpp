@@ -89,9 +89,9 @@ bool IsReadHere(const QString& file)
     return false;
 }
 
-class CommentSamples : public test::WorkerTest { };
-
 } // namespace
+
+class CommentSamples : public test::WorkerTest { };
 
 TEST_F(CommentSamples, MakeModelDateDescriptionAndPositionAreThoseOfTheManifest)
 {

@@ -16,6 +16,17 @@ const QString kDescriptionHeading =
 constexpr int kX = 7;   // x0
 constexpr int kY = 410; // y0
 
+QStringList TextsOf(const PanelContent& content)
+{
+    QStringList texts;
+    for (const PanelLine& line : content.lines) {
+        texts << line.text;
+    }
+    return texts;
+}
+
+} // namespace
+
 class Description : public testing::Test {
 protected:
     Description()
@@ -61,17 +72,6 @@ protected:
     DescriptionInput mInput;
     TempFolder mFolder;
 };
-
-QStringList TextsOf(const PanelContent& content)
-{
-    QStringList texts;
-    for (const PanelLine& line : content.lines) {
-        texts << line.text;
-    }
-    return texts;
-}
-
-} // namespace
 
 TEST_F(Description, BannerIsTheLeafNameAlone)
 {
