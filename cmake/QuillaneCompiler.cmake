@@ -9,6 +9,11 @@ add_library(quillane_options INTERFACE)
 target_compile_options(quillane_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
   -Wcast-qual -Wformat=2 -Wundef -Werror)
+# In a unity build every source is an included file, and the compiler then takes each class that
+# uses a file's own names for one that others share.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(quillane_options INTERFACE -Wno-subobject-linkage)
+endif()
 target_compile_definitions(quillane_options INTERFACE
   QT_NO_KEYWORDS QT_NO_CAST_FROM_BYTEARRAY QT_NO_FOREACH QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
   QUILLANE_VERSION_MAJOR=${PROJECT_VERSION_MAJOR}
