@@ -19,6 +19,7 @@ struct SortInput {
     QVector<QString> texts;  ///< paths, or tags
     QVector<qint64> numbers; ///< sizes or times
 };
+/// What a sort by that column needs of the rows.
 SortInput SortInputOf(const FileRows& rows, int column, Qt::SortOrder order);
 
 /// The order in which the rows then stand: row i is to be what row result[i] is. Names, sizes
@@ -41,6 +42,7 @@ public:
     bool IsBusy() const { return mBusy; }
 
 Q_SIGNALS:
+    /// The order of the newest wish.
     void sorted(const QVector<int>& order);
 
 private:

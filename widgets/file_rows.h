@@ -32,8 +32,8 @@ inline constexpr int kFileColumns = 7;
 class FileRows {
 public:
     int Count() const { return int(mRows.size()); }
-    void Clear();
-    void Append(const FileRow& row);
+    void Clear();                                   ///< no rows
+    void Append(const FileRow& row);                ///< at the end
     void InsertAt(int row, const FileRow& content); ///< before row; at the end for row == Count()
     void RemoveAt(int row);
     void SetPath(int row, const QString& path);
@@ -42,11 +42,11 @@ public:
     void Permute(const QVector<int>& order);
 
     // Rows out of range have empty content.
-    FileRow Row(int row) const;
-    QString Path(int row) const;
-    qint64 Size(int row) const;
-    qint64 ModifiedSeconds(int row) const;
-    QString Tag(int row, int tag) const; ///< tag 0 to 3
+    FileRow Row(int row) const;            ///< all of it
+    QString Path(int row) const;           ///< full path
+    qint64 Size(int row) const;            ///< bytes, negative when unknown
+    qint64 ModifiedSeconds(int row) const; ///< since 1970, UTC; negative when unknown
+    QString Tag(int row, int tag) const;   ///< tag 0 to 3
     FileKind Kind(int row) const;
 
 private:

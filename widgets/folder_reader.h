@@ -29,6 +29,7 @@ struct LocatedPath {
     QString path; ///< without a separator at its end, but for "/"; empty when nothing is there
     bool isFolder = true;
 };
+/// Looks from `path` upwards for what is there.
 LocatedPath LocatePath(const QString& path, bool withFiles);
 
 } // namespace quillane

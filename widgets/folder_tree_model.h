@@ -27,6 +27,7 @@ public:
     /// the mount table alone, so that a volume that does not answer holds up nothing.
     static QVector<Place> SystemPlaces();
 
+    /// Files too, or folders alone; what has been read is read again.
     void SetShowFiles(bool on);
     bool ShowFiles() const { return mShowFiles; }
     /// Reads every folder again that has been read; nodes that are still there stay.
@@ -61,6 +62,7 @@ public:
     void SetName(const QModelIndex& index, const QString& name);
 
 Q_SIGNALS:
+    /// A person typed a new name for the node that may be edited.
     void renameWanted(const QModelIndex& index, const QString& name);
     /// A folder has been read.
     void folderRead(const QString& path);

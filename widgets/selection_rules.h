@@ -21,17 +21,17 @@ public:
 
     // The content changed.
     void Append(int count) { mSet.Resize(mSet.Size() + count); }
-    void Insert(int index, int count);
+    void Insert(int index, int count); ///< before `index`
     /// The current item, when it goes, hands over to none.
     void Remove(int index, int count);
     void Clear();
     void Permute(const QVector<int>& order);
 
     // The program's own wishes.
-    Change SetSelected(int index, bool on);
-    Change SelectAll(bool on);
-    Change SetCurrent(int index);
-    Change SelectOnly(int index); ///< and make it current; -1 selects none
+    Change SetSelected(int index, bool on); ///< one item; the others stay
+    Change SelectAll(bool on);              ///< or none
+    Change SetCurrent(int index);           ///< the selection stays; -1 for none
+    Change SelectOnly(int index);           ///< and make it current; -1 selects none
 
     /// The left button goes down on an item, or beside them all (-1). An item that is selected
     /// among others stays so with them until the button is released, as a drag may follow.

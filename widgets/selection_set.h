@@ -10,7 +10,7 @@ class SelectionSet {
 public:
     int Size() const { return mSize; }   ///< rows
     int Count() const { return mCount; } ///< selected rows
-    bool Contains(int row) const;
+    bool Contains(int row) const;        ///< whether a row is selected
 
     /// Another number of rows; new ones at the end are not selected. O(1) but for the growth.
     void Resize(int size);
@@ -18,7 +18,7 @@ public:
     void Clear();
 
     // Each answers whether anything changed.
-    bool Set(int row, bool on);
+    bool Set(int row, bool on);                  ///< one row
     bool SetRange(int first, int last, bool on); ///< both ends included, in either order
     bool SetOnly(int first, int last);           ///< these and no other
     bool SetAll(bool on);

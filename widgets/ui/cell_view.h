@@ -81,9 +81,10 @@ protected:
     struct CellState {
         bool selected = false, current = false, hovered = false, active = false;
     };
+    /// Draws one cell in its rectangle of the viewport.
     virtual void PaintCell(QPainter& painter, const QRect& rect, int index,
                            const CellState& state) = 0;
-    virtual QPixmap DragPicture(int index) const = 0;
+    virtual QPixmap DragPicture(int index) const = 0; ///< what hangs at the mouse in a drag
     /// Called before places are worked out, when font or style may have changed.
     virtual void UpdateMetrics() = 0;
     /// What is drawn behind the cells.
@@ -94,10 +95,11 @@ protected:
     virtual bool StartsDrag(int, const QPoint&) const { return true; }
 
     // For the owner of the content: call these after every change of it.
-    void CellsAppended(int count);
-    void CellsInserted(int index, int count);
-    void CellsRemoved(int index, int count);
-    void CellsCleared();
+    void CellsAppended(int count);            ///< at the end; O(1)
+    void CellsInserted(int index, int count); ///< before `index`
+    void CellsRemoved(int index, int count);  ///< from `index` on
+    void CellsCleared();                      ///< all of them
+    /// Cell i is now what cell order[i] was.
     void CellsPermuted(const QVector<int>& order);
     /// Makes a cell current and selects it alone; -1 selects none.
     void SelectOnly(int index);

@@ -20,7 +20,7 @@ public:
 
     /// Shows the image that the instance holds now; call again when it has changed.
     void Show(const EngineInstance& instance) { ShowBitmap(instance.Bitmap()); }
-    void ShowBitmap(const Bitmap& bitmap);
+    void ShowBitmap(const Bitmap& bitmap); ///< as it looks on the screen
     /// A picture that is ready for the screen, upright and sRGB.
     void ShowImage(const QImage& image);
     void Clear() { ShowImage({}); }
@@ -33,11 +33,11 @@ public:
     void SetPaintScalar(qint32 percent); ///< 1 to 3200, cut to that; used with mode 4
     /// Whether there are scroll bars when the picture is larger than the frame.
     bool AutoScroll() const { return mAutoScroll; }
-    void SetAutoScroll(bool on);
+    void SetAutoScroll(bool on); ///< on at first
     /// Whether mode 3 also enlarges; off at first.
     bool EnlargesToFit() const { return mEnlarge; }
-    void SetEnlargesToFit(bool on);
-    void ForceRepaint(); ///< paints now
+    void SetEnlargesToFit(bool on); ///< see EnlargesToFit
+    void ForceRepaint();            ///< paints now
 
     double ZoomPercent() const; ///< at which the picture is shown now
     QRectF ImageRect() const;   ///< of the whole picture, in viewport coordinates

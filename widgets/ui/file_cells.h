@@ -18,9 +18,11 @@ public:
     FileCells(const FileRows& rows, QHeaderView* header, QWidget* parent);
 
     enum class Shape { LargeIcons, SmallIcons, List, Details };
-    void SetShape(Shape shape);
-    void SetGridLines(bool on);
+    void SetShape(Shape shape); ///< how the rows are laid out
+    void SetGridLines(bool on); ///< drawn in the details alone
+    /// Icons by their keys; an empty function restores the desktop's.
     void SetIconProvider(std::function<QIcon(const QString& key)> provider);
+    /// How times are written; an empty function restores the system's short form.
     void SetDateText(std::function<QString(const QDateTime& when)> dateText);
     /// Text of a column, as shown.
     QString ColumnText(int row, int column) const;

@@ -38,8 +38,8 @@ public:
     bool GridLines() const { return mGridLines; }
 
     // Rows. All that change them take O(rows) at most; appending is O(1) a row.
-    int Count() const;
-    void Clear(); ///< also forgets the order of a heading
+    int Count() const; ///< rows
+    void Clear();      ///< also forgets the order of a heading
     void AddRows(const QVector<FileRow>& rows);
     void InsertAt(int row, const FileRow& content);
     void RemoveAt(int row);
@@ -85,16 +85,19 @@ public:
     FileCells* Cells() const;
 
 Q_SIGNALS:
-    // As those of the thumbnail grid.
+    /// Another row became current, whoever did it; -1 for none.
     void currentChanged(int row);
+    /// A person chose a row by a left click (-1 beside the rows) or with the keyboard.
     void picked(int row);
+    /// A mouse button was pressed; -1 beside the rows. Follows `picked`.
     void clicked(int row, Qt::MouseButton button, Qt::KeyboardModifiers modifiers,
                  const QPoint& globalPosition);
-    void doubleClicked(int row);
+    void doubleClicked(int row); ///< with the left button, on a row
+    /// A right click (-1 beside the rows) or the menu key (the current row).
     void contextMenuWanted(int row, const QPoint& globalPosition);
-    void enterPressed(int row);
-    void selectionChanged();
-    void visibleRangeChanged(int first, int last);
+    void enterPressed(int row);                    ///< of the current row
+    void selectionChanged();                       ///< some row is selected, or no longer
+    void visibleRangeChanged(int first, int last); ///< other rows are in sight
     /// Rows have moved: row i is now what row order[i] was. Selection and current row followed.
     void rowsReordered(const QVector<int>& order);
 

@@ -19,7 +19,7 @@ public:
     explicit ThumbnailGrid(QWidget* parent = nullptr);
     ~ThumbnailGrid() override;
 
-    void Clear();
+    void Clear(); ///< no cells, no pictures
     /// Appends a cell and returns its position. `pixels` is the picture's own size, for the tool
     /// tip; empty when it is not known.
     int Add(const QString& path, QSize pixels = {});
