@@ -170,9 +170,9 @@ private:
             colour =
                 Mix(grass, wood,
                     Smooth(-0.15, 0.15, Fractal(place.x * 1.4, place.z * 1.4, mLand.seed + 9, 5)));
-            colour = Mix(colour, rock,
-                         Smooth(0.25, 0.4, steep + 0.1 * grain)
-                             + Smooth(1.1, 1.5, height + 0.15 * grain));
+            const double bare =
+                Smooth(0.25, 0.4, steep + 0.1 * grain) + Smooth(1.1, 1.5, height + 0.15 * grain);
+            colour = Mix(colour, rock, std::min(1.0, bare));
             colour = Mix(colour, {0.86, 0.89, 0.95},
                          Smooth(1.25, 1.6, height + 0.2 * grain - 0.6 * steep));
             break;
