@@ -17,6 +17,7 @@
 #include <QEvent>
 #include <QFile>
 #include <QTimer>
+#include <QWidget>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -97,7 +98,9 @@ public:
     double at = -1; ///< milliseconds since the start of the process
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        if (at < 0 && event->type() == QEvent::Paint && watched->inherits("QMainWindow")) {
+        const auto* widget = qobject_cast<QWidget*>(watched);
+        if (at < 0 && event->type() == QEvent::Paint && widget
+            && widget->window()->inherits("QMainWindow")) {
             at = MillisecondsOfProcess();
         }
         return false;

@@ -74,14 +74,9 @@ PathCalls PathCallCount()
             pathLists.load(std::memory_order_relaxed)};
 }
 
-FileStat StatPath(const QString& path)
+static FileStat FromSystem(const struct stat& found)
 {
     FileStat result;
-    const QByteArray bytes = BytesFromPath(path);
-    struct stat found;
-    pathStats.fetch_add(1, std::memory_order_relaxed);
-    if (bytes.contains('\0') || stat(bytes.constData(), &found) != 0)
-        return result;
     result.type = TypeOfMode(found.st_mode);
     result.size = found.st_size;
     result.modifiedSeconds = found.st_mtim.tv_sec;
@@ -90,6 +85,16 @@ FileStat StatPath(const QString& path)
     result.inode = found.st_ino;
     result.mode = found.st_mode & 07777;
     return result;
+}
+
+FileStat StatPath(const QString& path)
+{
+    const QByteArray bytes = BytesFromPath(path);
+    struct stat found;
+    pathStats.fetch_add(1, std::memory_order_relaxed);
+    if (bytes.contains('\0') || stat(bytes.constData(), &found) != 0)
+        return {};
+    return FromSystem(found);
 }
 
 FileHandle& FileHandle::operator=(FileHandle&& other) noexcept
@@ -115,6 +120,12 @@ int FileHandle::Release()
 
 FileHandle OpenForReading(const QString& path)
 {
+    FileStat opened;
+    return OpenForReading(path, opened);
+}
+
+FileHandle OpenForReading(const QString& path, FileStat& opened)
+{
     const QByteArray bytes = BytesFromPath(path);
     struct stat found;
     pathStats.fetch_add(1, std::memory_order_relaxed);
@@ -132,6 +143,7 @@ FileHandle OpenForReading(const QString& path)
     if (fstat(file.Fd(), &found) != 0)
         throw FailureFromErrno(errno, QStringLiteral("open"), path);
     RefuseUnlessRegular(TypeOfMode(found.st_mode), path);
+    opened = FromSystem(found);
     return file;
 }
 

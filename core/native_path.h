@@ -51,6 +51,8 @@ private:
 /// Opens a regular file for reading, close-on-exec. A FIFO, a device or a folder is refused
 /// without being waited for. Failure: kFailureNoFile, kFailureDenied, kFailureIo.
 FileHandle OpenForReading(const QString& path);
+/// The same, and what the system says of the file that is open now.
+FileHandle OpenForReading(const QString& path, FileStat& opened);
 /// The whole content; Failure as OpenForReading, and kFailureLimit above maxBytes (0 or more).
 QByteArray ReadWholeFile(const QString& path, qint64 maxBytes);
 

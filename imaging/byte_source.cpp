@@ -50,7 +50,7 @@ QByteArray ByteSource::All(qint64 maxBytes)
     return Head(Size());
 }
 
-FileSource::FileSource(const QString& path) : FileSource(OpenForReading(path), -1)
+FileSource::FileSource(const QString& path) : mFile(OpenForReading(path, mStat)), mSize(mStat.size)
 { }
 
 FileSource::FileSource(FileHandle file, qint64 size) : mFile(std::move(file)), mSize(size)

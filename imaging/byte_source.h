@@ -30,8 +30,8 @@ public:
     const FileStat& Stat() const { return mStat; }
 
 private:
+    FileStat mStat; ///< filled while mFile is opened
     FileHandle mFile;
-    FileStat mStat;
     qint64 mSize = 0;
     QByteArray mHead;
 };
