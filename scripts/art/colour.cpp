@@ -1,4 +1,4 @@
-#include "colour.h"
+#include "scripts/art/colour.h"
 
 #include <cstdio>
 
@@ -51,13 +51,9 @@ double Ridged(double x, double y, uint32_t seed, int octaves)
     return sum;
 }
 
-bool WritePpm(const Canvas& canvas, const std::string& path)
+bool WritePpm(const Canvas& canvas)
 {
-    std::FILE* file = std::fopen(path.c_str(), "wb");
-    if (!file) {
-        return false;
-    }
-    std::fprintf(file, "P6\n%d %d\n255\n", canvas.width, canvas.height);
+    std::printf("P6\n%d %d\n255\n", canvas.width, canvas.height);
     std::vector<uint8_t> bytes;
     bytes.reserve(canvas.light.size() * 3);
     for (const Vec& light : canvas.light) {
@@ -67,8 +63,8 @@ bool WritePpm(const Canvas& canvas, const std::string& path)
             bytes.push_back(uint8_t(std::lround(255 * std::pow(std::min(1.0, value), 1 / 2.2))));
         }
     }
-    const bool whole = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    return std::fclose(file) == 0 && whole;
+    return std::fwrite(bytes.data(), 1, bytes.size(), stdout) == bytes.size()
+        && std::fflush(stdout) == 0;
 }
 
 } // namespace art

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <string>
 #include <vector>
 
 namespace art {
@@ -42,6 +41,7 @@ inline Vec operator*(Vec a, Vec b)
 {
     return {a.x * b.x, a.y * b.y, a.z * b.z};
 }
+/// The scalar product.
 inline double Dot(Vec a, Vec b)
 {
     return a.x * b.x + a.y * b.y + a.z * b.z;
@@ -51,6 +51,7 @@ inline Vec Unit(Vec a)
 {
     return a * (1 / std::sqrt(Dot(a, a)));
 }
+/// Linear mix of two colours.
 inline Vec Mix(Vec a, Vec b, double t)
 {
     return a + (b - a) * t;
@@ -81,8 +82,8 @@ struct Canvas {
     Vec& At(int x, int y) { return light[size_t(y) * size_t(width) + size_t(x)]; }
 };
 
-/// Writes the canvas as a binary PPM of 8 bits, tones compressed as film does it.
-/// False when the file cannot be written.
-bool WritePpm(const Canvas& canvas, const std::string& path);
+/// Writes the canvas to the standard output as a binary PPM of 8 bits, its tones compressed as film
+/// does it. False when that fails.
+bool WritePpm(const Canvas& canvas);
 
 } // namespace art

@@ -1,4 +1,4 @@
-#include "land.h"
+#include "scripts/art/land.h"
 
 namespace art {
 

@@ -1,6 +1,6 @@
 #pragma once
 // A landscape: a field of heights seen through a camera, under a sky, with water where it lies low.
-#include "colour.h"
+#include "scripts/art/colour.h"
 
 namespace art {
 

@@ -1,11 +1,12 @@
-// draw NAME WIDTH HEIGHT FILE [SUN]: computes one of the sample landscapes as a PPM; SUN is the
-// height of the sun, about -0.2 to 1.
-#include "land.h"
-#include "town.h"
+// draw NAME WIDTH HEIGHT [SUN]: computes one of the sample landscapes and writes it to the standard
+// output as a PPM; SUN is the height of the sun, about -0.2 to 1.
+#include "scripts/art/land.h"
+#include "scripts/art/town.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <string>
 
 namespace art {
 
@@ -141,8 +142,8 @@ const std::map<std::string, Land>& Lands()
 
 int main(int argc, char** argv)
 {
-    if (argc != 5 && argc != 6) {
-        std::fprintf(stderr, "draw NAME WIDTH HEIGHT FILE [SUN]\n");
+    if (argc != 4 && argc != 5) {
+        std::fprintf(stderr, "draw NAME WIDTH HEIGHT [SUN]\n");
         return 2;
     }
     const std::string name = argv[1];
@@ -152,7 +153,7 @@ int main(int argc, char** argv)
         return 2;
     }
     if (name == "harbour") {
-        return art::WritePpm(art::PaintHarbour(width, height), argv[4]) ? 0 : 1;
+        return art::WritePpm(art::PaintHarbour(width, height)) ? 0 : 1;
     }
     const auto land = art::Lands().find(name);
     if (land == art::Lands().end()) {
@@ -160,12 +161,12 @@ int main(int argc, char** argv)
         return 2;
     }
     art::Land chosen = land->second;
-    if (argc == 6) {
-        chosen.sun.y = std::atof(argv[5]);
+    if (argc == 5) {
+        chosen.sun.y = std::atof(argv[4]);
     }
     art::Canvas canvas = art::PaintLand(chosen, width, height);
     if (name == "balloon") {
         art::PaintBalloons(canvas);
     }
-    return art::WritePpm(canvas, argv[4]) ? 0 : 1;
+    return art::WritePpm(canvas) ? 0 : 1;
 }

@@ -1,4 +1,4 @@
-#include "town.h"
+#include "scripts/art/town.h"
 
 namespace art {
 

@@ -1,6 +1,6 @@
 #pragma once
 // What people made: a harbour by night, balloons.
-#include "colour.h"
+#include "scripts/art/colour.h"
 
 namespace art {
 

@@ -55,6 +55,7 @@ const QHash<QString, QSet<QString>>& LayersBelow()
         {"browser/ui",
          {"core", "platform", "imaging", "metadata", "widgets", "browser", "platform/ui",
           "widgets/ui", "metadata/ui"}},
+        {"scripts", {}}, // the program that draws the samples
     };
     return kBelow;
 }
