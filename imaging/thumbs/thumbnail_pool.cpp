@@ -53,7 +53,7 @@ struct ThumbnailPool::State {
     std::condition_variable work;
     QVector<QString> wanted; ///< shared with the caller, not copied
     qsizetype next = 0;      ///< first wish that is not looked at
-    QSet<QString> taken;     ///< of these wishes
+    QSet<QString> taken;     ///< of these wishes, and what was under way or ready before them
     QSize box;
     std::vector<std::shared_ptr<InFlight>> inFlight;
     std::deque<ToKeep> toKeep;
@@ -100,12 +100,7 @@ std::shared_ptr<ThumbnailPool::State::InFlight> ThumbnailPool::State::TakeWanted
 {
     while (next < wanted.size()) {
         const QString path = wanted[next++];
-        const bool underWay = std::any_of(inFlight.begin(), inFlight.end(), [&](const auto& job) {
-            return !job->cancelled && job->path == path;
-        });
-        const bool ready = std::any_of(made.begin(), made.end(),
-                                       [&](const Made& one) { return one.path == path; });
-        if (!underWay && !ready && !taken.contains(path)) {
+        if (!taken.contains(path)) {
             taken.insert(path);
             const auto job = std::make_shared<InFlight>();
             job->path = path;
@@ -248,6 +243,14 @@ void ThumbnailPool::Want(const QVector<QString>& paths, QSize box)
     mState->wanted = paths;
     mState->next = 0;
     mState->taken.clear();
+    for (const auto& job : mState->inFlight) {
+        if (!job->cancelled) {
+            mState->taken.insert(job->path);
+        }
+    }
+    for (const State::Made& one : mState->made) {
+        mState->taken.insert(one.path);
+    }
     mState->work.notify_all();
 }
 

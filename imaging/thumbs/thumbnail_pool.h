@@ -17,8 +17,9 @@ public:
     ~ThumbnailPool() override;
 
     /// What is wanted from now on, most urgent first; what was asked before and is not in the
-    /// list, or was asked for another box, is dropped, also while it is being made. The list is
-    /// shared, not copied. box: largest width and height in device pixels.
+    /// list is dropped, also while it is being made (what is ready is still handed over); what was
+    /// asked for another box is dropped altogether. The list is shared, not copied. box: largest
+    /// width and height in device pixels.
     void Want(const QVector<QString>& paths, QSize box);
     /// Drops everything asked for.
     void Clear();

@@ -39,6 +39,8 @@ struct ThumbnailScanner::State {
         ImageFacts facts;
     };
 
+    static_assert(sizeof(HeaderResult) < 100, "thousands of them are held");
+
     std::vector<QString> paths;    ///< of all masks, one behind the other
     std::vector<size_t> maskBegin; ///< first path of each mask, and one end
     std::vector<HeaderResult> ring;
@@ -166,13 +168,20 @@ ThumbnailScanner::~ThumbnailScanner()
 
 void ThumbnailScanner::Prepare(const FolderListing& listing, const QStringList& masks)
 {
+    std::vector<QStringList> filesOfMasks;
+    for (const QString& mask : masks) {
+        filesOfMasks.push_back(listing.Paths(mask));
+    }
+    Prepare(filesOfMasks);
+}
+
+void ThumbnailScanner::Prepare(const std::vector<QStringList>& filesOfMasks)
+{
     Stop();
     mState = std::make_shared<State>();
-    for (const QString& mask : masks) {
+    for (const QStringList& files : filesOfMasks) {
         mState->maskBegin.push_back(mState->paths.size());
-        for (QString& path : listing.Paths(mask)) {
-            mState->paths.push_back(std::move(path));
-        }
+        mState->paths.insert(mState->paths.end(), files.begin(), files.end());
     }
     mState->maskBegin.push_back(mState->paths.size());
     mState->ring.resize(std::clamp<size_t>(mState->paths.size(), 1, kHeadersAhead));

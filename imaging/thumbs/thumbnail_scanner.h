@@ -38,6 +38,8 @@ public:
     /// Tells which masks will be browsed, in their order, so that their files are read ahead
     /// across masks. `listing` is the folder read with IncludeSubDirectories.
     void Prepare(const FolderListing& listing, const QStringList& masks);
+    /// The same with the full paths of each mask's files.
+    void Prepare(const std::vector<QStringList>& filesOfMasks);
     /// Delivers the files of mask number `index` of Prepare; ends early when an event answers
     /// false. While the next header is not there yet, window events flow; when `generation` is
     /// no longer the newest, it ends and returns false.

@@ -39,7 +39,10 @@ QSize FittedSize(QSize picture, QSize box)
     if (picture.width() <= box.width() && picture.height() <= box.height()) {
         return picture;
     }
-    return picture.scaled(box, Qt::KeepAspectRatio).expandedTo({1, 1});
+    const double scale =
+        std::min(double(box.width()) / picture.width(), double(box.height()) / picture.height());
+    return QSize(qRound(picture.width() * scale), qRound(picture.height() * scale))
+        .expandedTo({1, 1});
 }
 
 bool SameShape(QSize a, QSize b)
