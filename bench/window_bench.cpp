@@ -166,7 +166,6 @@ int main(int argc, char** argv)
     Ping ping;
     const auto start = Clock::now();
     program.Load();
-    std::printf("first painted window %.0f ms after the start of the process\n", paint.at);
     // The tree selects the folder by and by; the scan is over when the file list stands still.
     qsizetype listed = -1;
     double listedAt = 0;
@@ -181,6 +180,7 @@ int main(int argc, char** argv)
             quiet.restart();
         }
     }
+    std::printf("first painted window %.0f ms after the start of the process\n", paint.at);
     if (!folder.isEmpty()) {
         std::printf("listed %lld files %.0f ms after loading began; longest wait %.1f ms\n",
                     static_cast<long long>(listed), listedAt, ping.Worst());

@@ -66,10 +66,18 @@ void FolderScan::ScanOnce(int mode)
     mSession.lbFilTiffs.clear();
     mSession.gBrowseCanceled = false;
     // The folder is looked into by its own name; lbFilTiffs joins names to gsPath as it stands.
-    FolderListing listing;
-    const bool deep = mode == kThumbnailMode && mScanner.IncludeSubDirectories;
-    listing.Read(WithSeparator(mSession.gsPath), deep);
-    const QStringList names = listing.Names(mSession.gsFilter);
+    FolderQuestion question{WithSeparator(mSession.gsPath), mSession.gsFilter, {}, false};
+    if (mode == kThumbnailMode) {
+        question.deep = mScanner.IncludeSubDirectories;
+        for (qint32 p = 0; p <= LastPatternIndex(mSession.gsFilter); ++p) {
+            question.masks.append(GetField(mSession.gsFilter, qint16(p), QStringLiteral(";")));
+        }
+    }
+    const std::optional<FolderFiles> read = ReadFolderFiles(question, mPlatform.loop, mGeneration);
+    if (!read) {
+        return;
+    }
+    const QStringList& names = read->names;
 
     if (mSearchOn) {
         mView.SetPanel(1, QStringLiteral("Search = ON"));
@@ -84,7 +92,7 @@ void FolderScan::ScanOnce(int mode)
     if (mode == kListMode) {
         finished = ScanList(names);
     } else if (mode == kThumbnailMode) {
-        finished = ScanThumbnails(int(names.size()), listing);
+        finished = ScanThumbnails(*read);
     }
     if (!finished) {
         mView.HideProgress();
@@ -197,21 +205,17 @@ bool FolderScan::FillTags()
     return true;
 }
 
-bool FolderScan::ScanThumbnails(int count, const FolderListing& listing)
+bool FolderScan::ScanThumbnails(const FolderFiles& files)
 {
-    mView.ShowProgress(ProgressMaximum(count));
+    mView.ShowProgress(ProgressMaximum(files.names.size()));
     mSession.gImagesAdded = 0;
     mSession.gFilesSeen = 0;
     mView.ClearGrid(mSession.gThumbnailWidth, mSession.gThumbnailHeight);
     mScanner.ThumbHeight = mSession.gThumbnailHeight;
     mScanner.ThumbWidth = mSession.gThumbnailWidth;
 
-    QStringList masks;
-    for (qint32 p = 0; p <= LastPatternIndex(mSession.gsFilter); ++p) {
-        masks.append(GetField(mSession.gsFilter, qint16(p), QStringLiteral(";")));
-    }
-    mScanner.Prepare(listing, masks);
-    for (int p = 0; p < masks.size(); ++p) {
+    mScanner.Prepare(files.filesOfMasks);
+    for (int p = 0; p < int(files.filesOfMasks.size()); ++p) {
         // Esc ends the walk of one pattern; the patterns behind it are still begun.
         if (!mScanner.Browse(p, mGeneration,
                              [this](const ScannedFile& file) { return ThumbnailEvent(file); })) {
@@ -221,13 +225,12 @@ bool FolderScan::ScanThumbnails(int count, const FolderListing& listing)
     mView.FinishGrid();
 
     // Entry i and cell i are the same file; a name directly in the folder is joined to gsPath.
-    const QString folder = listing.Folder();
     mSession.lbFilTiffs.clear();
     mSession.lbFilTiffs.reserve(mView.CellCount());
-    const bool sameText = folder == mSession.gsPath;
+    const bool sameText = files.folder == mSession.gsPath;
     for (int cell = 0; cell < mView.CellCount(); ++cell) {
         const QString path = mView.CellPath(cell);
-        const bool direct = FolderOf(path) == folder;
+        const bool direct = FolderOf(path) == files.folder;
         mSession.lbFilTiffs.append(sameText || !direct ? path
                                                        : JoinAsIs(mSession.gsPath, LeafName(path)));
     }

@@ -1,4 +1,5 @@
 #pragma once
+#include "browser/folder_reading.h"
 #include "browser/scan_view.h"
 #include "core/session.h"
 #include "imaging/thumbs/thumbnail_scanner.h"
@@ -38,7 +39,7 @@ private:
     bool CollectFiles(const QStringList& names);
     bool AddRows();
     bool FillTags();
-    bool ScanThumbnails(int count, const FolderListing& listing);
+    bool ScanThumbnails(const FolderFiles& files);
     bool ThumbnailEvent(const ScannedFile& file);
     void CountFile();
     void AddCellOf(const ScannedFile& file);
