@@ -224,15 +224,15 @@ bool FolderScan::ScanThumbnails(const FolderFiles& files)
     }
     mView.FinishGrid();
 
-    // Entry i and cell i are the same file; a name directly in the folder is joined to gsPath.
-    mSession.lbFilTiffs.clear();
-    mSession.lbFilTiffs.reserve(mView.CellCount());
-    const bool sameText = files.folder == mSession.gsPath;
-    for (int cell = 0; cell < mView.CellCount(); ++cell) {
-        const QString path = mView.CellPath(cell);
-        const bool direct = FolderOf(path) == files.folder;
-        mSession.lbFilTiffs.append(sameText || !direct ? path
-                                                       : JoinAsIs(mSession.gsPath, LeafName(path)));
+    // Entry i and cell i are the same file; where gsPath lacks its separator, a name directly in
+    // the folder is joined to it as it stands.
+    if (files.folder != mSession.gsPath) {
+        for (int cell = 0; cell < mView.CellCount(); ++cell) {
+            const QString path = mView.CellPath(cell);
+            if (FolderOf(path) == files.folder) {
+                mSession.lbFilTiffs[cell] = JoinAsIs(mSession.gsPath, LeafName(path));
+            }
+        }
     }
     mView.HideProgress();
     if (mView.CellCount() > 0) {
