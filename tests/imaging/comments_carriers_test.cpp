@@ -4,7 +4,10 @@
 #include "imaging/comments/slots.h"
 #include "imaging/limits.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
+#include <thread>
+#include <vector>
 
 namespace quillane {
 
@@ -384,6 +387,30 @@ TEST(ReadComments, GifHasItsFirstCommentExtensionAsDescription)
     EXPECT_EQ(TextAt(CommentsOf(making::GifWith(empty, second), "a.gif"), 3),
               QStringLiteral("second"));
     EXPECT_TRUE(CommentsOf(making::GifWith(control), "a.gif").IsEmpty());
+}
+
+TEST(ReadComments, ThreadsReadAtTheSameTime)
+{
+    const TempFolder folder;
+    folder.Write("a.jpg", making::JpegWithExif(MakeAll(false).Block()));
+    folder.Write("b.png", making::PngWith(making::PngCompressedText("Title", "a title")));
+    const CommentSet jpeg = ReadComments(folder.Path("a.jpg"));
+    const CommentSet png = ReadComments(folder.Path("b.png"));
+    std::atomic<int> same = 0;
+    std::vector<std::thread> threads;
+    constexpr int kThreads = 4, kRounds = 100;
+    for (int t = 0; t < kThreads; ++t) {
+        threads.emplace_back([&] {
+            for (int i = 0; i < kRounds; ++i) {
+                same += ReadComments(folder.Path("a.jpg")) == jpeg ? 1 : 0;
+                same += ReadComments(folder.Path("b.png")) == png ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(same, 2 * kThreads * kRounds);
 }
 
 TEST(CommentSetTest, SettingAnEmptyValueClears)
