@@ -1,11 +1,10 @@
 #include "imaging/thumbs/freedesktop_cache.h"
 #include "imaging/thumbs/thumbnail_pool.h"
+#include "platform/wait_for_events.h"
 #include "thumbs_support.h"
 #include <QCoreApplication>
 #include <QDeadlineTimer>
-#include <QEventLoop>
 #include <QThread>
-#include <QTimer>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -58,9 +57,7 @@ protected:
     {
         const QDeadlineTimer deadline(kPatience);
         while (!condition() && !deadline.hasExpired()) {
-            QEventLoop loop; // until something comes, or a little while
-            QTimer::singleShot(5, &loop, &QEventLoop::quit);
-            loop.processEvents(QEventLoop::WaitForMoreEvents);
+            WaitForThreadEvents(5);
         }
         return condition();
     }
