@@ -15,9 +15,9 @@ namespace quillane {
 
 namespace {
 
-constexpr int kPreferredWidth = 1180; // pixels
-constexpr int kPreferredHeight = 780;
-constexpr int kTitleHeight = 30; // what the desktop puts above a window, counted with it
+constexpr QSize kLeastPreferred{1180, 780}; // pixels
+constexpr double kPreferredShare = 0.62;    // of a large screen
+constexpr int kTitleHeight = 30;            // what the desktop puts above a window, counted with it
 constexpr int kLeastWidth = 640;
 constexpr int kLeastHeight = 440;
 constexpr int kWelcomePicture = 12;
@@ -150,10 +150,11 @@ void frmBrowserMain::ArrangeMainWindow()
 {
     const QScreen* onScreen = screen();
     const QRect available = onScreen->availableGeometry();
-    const QRect wanted(PixelsOfTwips(mSettings.left), PixelsOfTwips(mSettings.top), kPreferredWidth,
-                       kPreferredHeight);
+    const QSize size = (available.size() * kPreferredShare).expandedTo(kLeastPreferred);
+    const QRect wanted(PixelsOfTwips(mSettings.left), PixelsOfTwips(mSettings.top), size.width(),
+                       size.height() + kTitleHeight);
     const QRect fitted = FitToScreen(wanted, available.size());
-    resize(fitted.size());
+    resize(fitted.width(), fitted.height() - kTitleHeight);
     move(fitted.topLeft() + available.topLeft());
     ArrangeLeftPane();
     SetSearchOn(false);
