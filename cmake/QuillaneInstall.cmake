@@ -10,6 +10,7 @@ install(DIRECTORY ${CMAKE_SOURCE_DIR}/resources/help/ DESTINATION share/doc/quil
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/samples/ DESTINATION share/doc/quillane/samples)
 install(FILES ${CMAKE_SOURCE_DIR}/README.md ${CMAKE_SOURCE_DIR}/CHANGELOG.md
         DESTINATION share/doc/quillane)
+install(FILES ${CMAKE_SOURCE_DIR}/LICENSE DESTINATION share/doc/quillane RENAME copyright)
 install(FILES ${packaging}/${QUILLANE_ID}.desktop DESTINATION share/applications)
 install(FILES ${packaging}/${QUILLANE_ID}.metainfo.xml DESTINATION share/metainfo)
 install(FILES ${CMAKE_SOURCE_DIR}/resources/icons/quillane.svg
