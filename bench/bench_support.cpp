@@ -136,6 +136,22 @@ QByteArray ExifBlock(unsigned seed, const QByteArray& preview)
     return block;
 }
 
+/// Finds the frame marker in the first bytes of a JPEG; whether it is there.
+bool FindFrame(const unsigned char* bytes, ssize_t size)
+{
+    for (ssize_t at = 2; at + 9 < size;) {
+        if (bytes[at] != 0xff) {
+            return false;
+        }
+        const unsigned char marker = bytes[at + 1];
+        if (marker == 0xc0 || marker == 0xc1 || marker == 0xc2) {
+            return true;
+        }
+        at += 2 + (bytes[at + 2] << 8 | bytes[at + 3]);
+    }
+    return false;
+}
+
 } // namespace
 
 bool PrintFigure(const char* name, double value, double reference, const char* unit, double ratio,
@@ -227,6 +243,30 @@ QString PicturesFolder(int argc, char** argv)
     }
     const char* temporary = std::getenv("TMPDIR");
     return PathFromBytes(temporary ? temporary : "/tmp") + QStringLiteral("/quillane-bench");
+}
+
+std::vector<QByteArray> NamesOf(const std::vector<QString>& paths)
+{
+    std::vector<QByteArray> names;
+    names.reserve(paths.size());
+    for (const QString& path : paths) {
+        names.push_back(BytesFromPath(path));
+    }
+    return names;
+}
+
+void ReadHeadersBarely(const std::vector<QByteArray>& names)
+{
+    unsigned char head[4096];
+    for (const QByteArray& name : names) {
+        const int file = open(name.constData(), O_RDONLY | O_CLOEXEC);
+        const ssize_t size = read(file, head, sizeof head);
+        close(file);
+        if (!FindFrame(head, size)) {
+            std::fprintf(stderr, "the reference found no frame\n");
+            std::exit(2);
+        }
+    }
 }
 
 void ForgetContent(const std::vector<QString>& paths)

@@ -44,6 +44,11 @@ QByteArray MakeNoisyJpeg(const JpegShape& shape, unsigned seed);
 
 /// Full paths of `count` JPEGs in that folder, which is made and filled where it is not there.
 std::vector<QString> FolderOfJpegs(const QString& folder, int count, const JpegShape& shape);
+/// The names of files as the system takes them.
+std::vector<QByteArray> NamesOf(const std::vector<QString>& paths);
+/// The bare loop that listing a folder of JPEGs is compared with: opens each, reads its first
+/// 4 KB and finds the frame marker. A file without one ends the process.
+void ReadHeadersBarely(const std::vector<QByteArray>& names);
 /// Where the folders of pictures stand: the argument, else below the folder for temporary files.
 QString PicturesFolder(int argc, char** argv);
 /// Writes what is pending to the disk and makes the system forget the content of these files.

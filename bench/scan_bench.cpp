@@ -10,8 +10,6 @@
 #include <QGuiApplication>
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
-#include <unistd.h>
 
 using namespace quillane;
 
@@ -22,36 +20,6 @@ constexpr int kRounds = 3;
 constexpr double kAllListed = 1500; ///< milliseconds for all of them, warm
 constexpr double kMostOverLoop = 1.5;
 const char kMask[] = "*.BMP;*.GIF;*.JPG;*.PNG;*.TIF";
-
-/// Finds the frame marker in the first bytes of a JPEG; whether it is there.
-bool FindFrame(const unsigned char* bytes, ssize_t size)
-{
-    for (ssize_t at = 2; at + 9 < size;) {
-        if (bytes[at] != 0xff) {
-            return false;
-        }
-        const unsigned char marker = bytes[at + 1];
-        if (marker == 0xc0 || marker == 0xc1 || marker == 0xc2) {
-            return true;
-        }
-        at += 2 + (bytes[at + 2] << 8 | bytes[at + 3]);
-    }
-    return false;
-}
-
-void ReadBarely(const std::vector<QByteArray>& paths)
-{
-    unsigned char head[4096];
-    for (const QByteArray& path : paths) {
-        const int file = open(path.constData(), O_RDONLY | O_CLOEXEC);
-        const ssize_t size = read(file, head, sizeof head);
-        close(file);
-        if (!FindFrame(head, size)) {
-            std::fprintf(stderr, "the reference found no frame\n");
-            std::exit(2);
-        }
-    }
-}
 
 void Scan(const QString& folder, size_t expected)
 {
@@ -91,12 +59,9 @@ int main(int argc, char** argv)
     shape.quality = 75;
     shape.exif = true;
     const std::vector<QString> paths = bench::FolderOfJpegs(folder, count, shape);
-    std::vector<QByteArray> bytes;
-    for (const QString& path : paths) {
-        bytes.push_back(BytesFromPath(path));
-    }
+    const std::vector<QByteArray> names = bench::NamesOf(paths);
 
-    const auto bare = [&] { ReadBarely(bytes); };
+    const auto bare = [&] { bench::ReadHeadersBarely(names); };
     const auto scan = [&] { Scan(folder + u'/', paths.size()); };
     const auto forget = [&] { bench::ForgetContent(paths); };
 

@@ -1,137 +1,117 @@
 // The main window under load: how soon it is there, how soon a large folder is listed, how
 // long the window thread ever makes events wait, and how much memory it takes.
 //
-//   window_bench --folder <folder> [--view 0|1] [--home <folder>]
-//       loads the program on that folder and prints what it measured
-//   window_bench --select <folder>
-//       walks the selection over every file of the folder
-//   window_bench --start
+//   bench_window --start
 //       time from the start of the process to the first painted window
+//   bench_window --folder <folder> [--view 0] [--cold]
+//       lists that folder as thumbnails, or with --view 0 as details with their tag columns;
+//       --cold makes the system forget the content of the files first
+//   bench_window --select <folder>
+//       walks the selection over every file of the folder, which is filled with pictures of 24
+//       megapixels where it is not there
 // Needs an X server (or another real platform); QT_QPA_PLATFORM decides.
+#include "bench_support.h"
 #include "browser/ui/program.h"
+#include "core/folder_listing.h"
 #include "core/paths.h"
 #include "platform/ui/application.h"
 #include "platform/ui/desktop_platform.h"
+#include "window_watch.h"
 
 #include <QElapsedTimer>
-#include <QEvent>
-#include <QFile>
 #include <QTimer>
-#include <QWidget>
-#include <atomic>
-#include <chrono>
+#include <algorithm>
 #include <cstdio>
-#include <sys/resource.h>
-#include <thread>
-#include <time.h>
-#include <unistd.h>
+#include <exiv2/exiv2.hpp>
 
 using namespace quillane;
-using Clock = std::chrono::steady_clock;
+using bench::MillisecondsSince;
+using bench::Wanted;
 
 namespace {
 
-double MillisecondsSince(Clock::time_point start)
+constexpr double kStart = 250, kAnswer = 50, kFirstScreen = 500, kListed = 1500; // milliseconds
+constexpr double kOverLoop = 1.5;
+constexpr double kMemory = 160e6;     // bytes
+constexpr int kLargeFolder = 100'000; // files; what is required of a large folder holds from here
+constexpr int kLargeFolder = 100'000; // files
+constexpr int kSelected = 40;         // pictures to walk over
+constexpr int kQuiet = 1500;          // milliseconds without a change after which all is done
+
+bool AtMost(const char* name, double value, double limit)
 {
-    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+    return bench::PrintFigure(name, value, limit, "ms", value / limit, Wanted::AtMost, 1);
 }
 
-/// Milliseconds since this process was started, as the kernel counts them (to 10 ms).
-double MillisecondsOfProcess()
+std::vector<QString> FilesOf(const QString& folder)
 {
-    QFile stat(QStringLiteral("/proc/self/stat"));
-    if (!stat.open(QIODevice::ReadOnly)) {
-        return -1;
+    FolderListing listing;
+    listing.Read(WithSeparator(folder));
+    std::vector<QString> paths;
+    for (const QString& name : listing.Names(QStringLiteral("*.jpg"))) {
+        paths.push_back(WithSeparator(folder) + name);
     }
-    const QByteArray text = stat.readAll();
-    const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
-    constexpr int kStartTime = 19; // field 22 of the line, counted behind the name
-    timespec now{};
-    clock_gettime(CLOCK_BOOTTIME, &now);
-    const double started =
-        fields.value(kStartTime).toDouble() * 1000.0 / double(sysconf(_SC_CLK_TCK));
-    return double(now.tv_sec) * 1000.0 + double(now.tv_nsec) / 1e6 - started;
+    return paths;
 }
 
-/// Asks the window thread for an answer again and again from a thread of its own.
-class Ping {
-public:
-    Ping() : mThread([this] { Run(); }) { }
-    ~Ping()
-    {
-        mStop = true;
-        mThread.join();
-    }
-    void Reset() { mWorst = 0; }
-    double Worst() const { return mWorst; }
-
-private:
-    void Run()
-    {
-        while (!mStop) {
-            const auto asked = Clock::now();
-            mAnswered = false;
-            QMetaObject::invokeMethod(
-                qApp,
-                [this, asked] {
-                    const double took = MillisecondsSince(asked);
-                    if (took > mWorst) {
-                        mWorst = took;
-                    }
-                    mAnswered = true;
-                },
-                Qt::QueuedConnection);
-            while (!mAnswered && !mStop) {
-                std::this_thread::sleep_for(std::chrono::microseconds(500));
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(3));
-        }
-    }
-    std::atomic<bool> mStop = false, mAnswered = false;
-    std::atomic<double> mWorst = 0;
-    std::thread mThread;
-};
-
-/// Notes the first painting of the main window.
-class FirstPaint : public QObject {
-public:
-    double at = -1; ///< milliseconds since the start of the process
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        const auto* widget = qobject_cast<QWidget*>(watched);
-        if (at < 0 && event->type() == QEvent::Paint && widget
-            && widget->window()->inherits("QMainWindow")) {
-            at = MillisecondsOfProcess();
-        }
-        return false;
-    }
-};
-
-void PrintMemory()
+void ParseBarely(const std::vector<QByteArray>& names)
 {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    std::printf("peak resident memory %ld KiB\n", usage.ru_maxrss);
+    qint64 found = 0;
+    for (const QByteArray& name : names) {
+        const auto image = Exiv2::ImageFactory::open(name.toStdString());
+        image->readMetadata();
+        found += qint64(image->exifData().count());
+    }
+    if (found == 0) {
+        std::fprintf(stderr, "the reference found no metadata\n");
+        std::exit(2);
+    }
 }
 
-void WalkSelection(Program& program, Ping& ping)
+bool WalkSelection(Program& program, bench::Ping& ping)
 {
     // One step as soon as the window thread is free: faster than a held key.
     ThumbnailGrid* grid = program.Main().findChild<ThumbnailGrid*>();
     ping.Reset();
-    const auto start = Clock::now();
     const int count = grid->Count();
     for (int round = 0; round < 3; ++round) {
         for (int i = 0; i < count; ++i) {
             grid->MakeCurrent(i);
-            const auto step = Clock::now();
+            const auto step = bench::Clock::now();
             while (MillisecondsSince(step) < 30) {
                 qApp->processEvents(QEventLoop::AllEvents, 5);
             }
         }
     }
-    std::printf("selection over %d files: %.0f ms, longest wait for an answer %.1f ms\n", 3 * count,
-                MillisecondsSince(start), ping.Worst());
+    std::printf("selection over %d files\n", 3 * count);
+    return AtMost("longest wait, selection", ping.Worst(), kAnswer);
+}
+
+/// What was seen of the folder, against the bare loops over the same files.
+bool PrintFolder(const bench::WindowWatch& watch, const QString& folder, bool details, bool cold,
+                 double longestWait)
+{
+    bool good = AtMost("longest wait, scan", longestWait, kAnswer);
+    const std::vector<QString> paths = FilesOf(folder);
+    if (int(paths.size()) < kLargeFolder) {
+        return good; // the window's own start and end would weigh more than the files
+    }
+    if (!details) {
+        if (cold) {
+            bench::ForgetContent(paths);
+        }
+        const std::vector<QByteArray> names = bench::NamesOf(paths);
+        const double loop = bench::Measure([&] { bench::ReadHeadersBarely(names); }).wall;
+        good &= bench::PrintFigure(
+            cold ? "cells over the bare loop, cold" : "cells over the bare loop, warm",
+            watch.lastCell, loop, "ms", watch.lastCell / loop, Wanted::AtMost, kOverLoop);
+    } else {
+        const double tags = watch.scanEnd - watch.lastCell;
+        const double parse = bench::Measure([&] { ParseBarely(bench::NamesOf(paths)); }).wall;
+        good &= bench::PrintFigure("tag columns over the metadata library", tags, parse, "ms",
+                                   tags / parse, Wanted::AtMost, kOverLoop);
+    }
+    return good;
 }
 
 } // namespace
@@ -142,53 +122,96 @@ int main(int argc, char** argv)
     for (int i = 1; i < argc; ++i) {
         arguments.append(QString::fromLocal8Bit(argv[i]));
     }
-    const auto value = [&](const QString& name) {
-        const qsizetype at = arguments.indexOf(name);
+    const auto value = [&](const char* name) {
+        const qsizetype at = arguments.indexOf(QLatin1String(name));
         return at < 0 ? QString() : arguments.value(at + 1);
     };
+    const bool select = arguments.contains(QStringLiteral("--select"));
+    const bool cold = arguments.contains(QStringLiteral("--cold"));
+    const bool details = value("--view") == QStringLiteral("0");
+    const QString folder = select ? value("--select") : value("--folder");
+
     Application application(argc, argv);
     DesktopPlatform platform;
-    FirstPaint paint;
-    application.installEventFilter(&paint);
     Program program(platform.Services());
-
-    const bool select = arguments.contains(QStringLiteral("--select"));
-    const QString folder =
-        select ? value(QStringLiteral("--select")) : value(QStringLiteral("--folder"));
     if (!folder.isEmpty()) {
         program.Store().SaveSetting(QStringLiteral("Globals"), QStringLiteral("gsPath"),
                                     WithSeparator(folder));
-        const bool details = value(QStringLiteral("--view")) == QStringLiteral("0");
         program.Store().SaveSetting(QStringLiteral("Settings"),
                                     QStringLiteral("mnuMainViewTileBoxTileImage.Checked"),
                                     details ? QStringLiteral("False") : QStringLiteral("True"));
     }
-    Ping ping;
-    const auto start = Clock::now();
-    program.Load();
-    // The tree selects the folder by and by; the scan is over when the file list stands still.
-    qsizetype listed = -1;
-    double listedAt = 0;
+    if (select) {
+        bench::JpegShape shape;
+        shape.width = 6000;
+        shape.height = 4000;
+        bench::FolderOfJpegs(folder, FilesOf(folder).empty() ? kSelected : 0, shape);
+    }
+    if (cold) {
+        bench::ForgetContent(FilesOf(folder));
+    }
+
+    bench::Ping ping;
+    bench::WindowWatch watch(bench::Clock::now());
+    application.installEventFilter(&watch);
+    const auto* grid = program.Main().findChild<ThumbnailGrid*>();
+    const auto* list = program.Main().findChild<FileListView*>();
     QElapsedTimer quiet;
-    quiet.start();
-    while (quiet.elapsed() < (folder.isEmpty() ? 100 : 1500)) {
-        qApp->processEvents(QEventLoop::AllEvents, 5);
-        const qsizetype now = program.Shared().lbFilTiffs.size();
-        if (now != listed) {
-            listed = now;
-            listedAt = MillisecondsSince(start);
+    double lastCell = -1;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, [&] {
+        watch.Look(*grid, list->Count());
+        if (watch.lastCell > lastCell) {
+            lastCell = watch.lastCell;
             quiet.restart();
         }
+    });
+    look.start(2);
+    const auto waitForQuiet = [&](int milliseconds) {
+        quiet.start();
+        while (quiet.elapsed() < milliseconds) {
+            qApp->processEvents(QEventLoop::AllEvents, 5);
+        }
+    };
+    // The tree selects the folder by and by; the scan is over when nothing comes any more.
+    program.Load();
+    waitForQuiet(folder.isEmpty() ? 100 : kQuiet);
+    bool good = true;
+    if (!folder.isEmpty() && !select && !cold) {
+        good &= AtMost(details ? "details rows listed, with the start of the program"
+                               : "cells listed, with the start of the program",
+                       watch.lastCell, kListed);
+        if (!details) {
+            good &= AtMost("first screen of thumbnails, with the start of the program",
+                           watch.firstScreen, kFirstScreen);
+        }
     }
-    std::printf("first painted window %.0f ms after the start of the process\n", paint.at);
-    if (!folder.isEmpty()) {
-        std::printf("listed %lld files %.0f ms after loading began; longest wait %.1f ms\n",
-                    static_cast<long long>(listed), listedAt, ping.Worst());
+    const double peak = double(bench::PeakResidentBytes());
+    if (!folder.isEmpty() && !select) {
+        // Once more in the window that stands: what the folder alone takes.
+        if (cold) {
+            bench::ForgetContent(FilesOf(folder));
+            qApp->processEvents();
+            ping.Reset();
+        }
+        watch.Restart();
+        lastCell = -1;
+        program.Main().RefreshFiles();
+        waitForQuiet(kQuiet);
     }
-    if (select) {
-        WalkSelection(program, ping);
+
+    if (folder.isEmpty()) {
+        good = AtMost("first painted window", watch.firstPaint, kStart);
+    } else if (select) {
+        good = WalkSelection(program, ping);
+    } else {
+        good &= PrintFolder(watch, folder, details, cold, ping.Worst());
+        if (!cold) {
+            std::printf("%d files, ", std::max(grid->Count(), list->Count()));
+            good &= bench::PrintFigure("peak resident memory", peak / 1e6, kMemory / 1e6, "MB",
+                                       peak / kMemory, Wanted::AtMost, 1);
+        }
     }
-    PrintMemory();
     std::fflush(stdout);
-    return 0;
+    return good ? 0 : 1;
 }

@@ -12,7 +12,6 @@
 #include <vector>
 
 using quillane::Bitmap;
-using quillane::ByteSource;
 using quillane::FileSource;
 
 namespace {

@@ -3,10 +3,10 @@
 #include <QByteArray>
 #include <algorithm>
 #include <charconv>
+#include <clocale>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
-#include <locale.h>
 #include <string_view>
 
 namespace quillane {
@@ -252,7 +252,8 @@ qint32 IntegerDivide(double dividend, double divisor)
     const qint32 by = ToInt32(divisor);
     if (by == 0)
         throw Failure(kFailureDivision, QStringLiteral("Division by zero."));
-    return ToInt32(double(qint64(whole) / by));
+    const qint64 quotient = qint64(whole) / by; // of 64 bits: -2^31 by -1 overflows 32
+    return ToInt32(double(quotient));
 }
 
 QString TextOf(double value)

@@ -1,7 +1,9 @@
 // How the formats that the decoding process reads are told by their beginning.
 #include "imaging/codecs/codec_support.h"
 #include "imaging/codecs/codecs.h"
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace quillane::codecs {
 
@@ -14,8 +16,10 @@ bool MarkIsTiff(QByteArrayView head)
     if (head.size() < 8) {
         return false;
     }
-    const auto begins = [&](const char* mark) { return std::memcmp(head.data(), mark, 4) == 0; };
-    return begins("II*\0") || begins("MM\0*") || begins("II+\0") || begins("MM\0+");
+    constexpr char kMarks[][4] = {
+        {'I', 'I', '*', 0}, {'M', 'M', 0, '*'}, {'I', 'I', '+', 0}, {'M', 'M', 0, '+'}};
+    return std::any_of(std::begin(kMarks), std::end(kMarks),
+                       [&](const char* mark) { return std::memcmp(head.data(), mark, 4) == 0; });
 }
 
 bool MarkHasExtension(QStringView extension, std::initializer_list<const char*> wanted)

@@ -171,11 +171,13 @@ void Exchange::Refuse()
 
 void Exchange::Abandon()
 {
-    const Failure cancelled(kFailureCancelled, QStringLiteral("Cancelled."), mFormat);
+    const auto cancelled = [this] {
+        return Failure(kFailureCancelled, QStringLiteral("Cancelled."), mFormat);
+    };
     if (mTicket == 0) {
         // Nothing was asked yet; a process that is still starting is as good as before.
         mHealthy = true;
-        throw cancelled;
+        throw cancelled();
     }
     const CancelMessage cancel{{kProtocolMark, MessageKind::Cancel, mTicket}};
     const Clock::time_point until = Clock::now() + kFarewell;
@@ -195,7 +197,7 @@ void Exchange::Abandon()
             }
         });
     }
-    throw cancelled;
+    throw cancelled();
 }
 
 const PieceMessage& Exchange::AsPiece()

@@ -74,6 +74,7 @@ std::unique_ptr<WorkerProcess> WorkerProcess::Spawn(const QString& program)
     char* const arguments[] = {path.data(), nullptr};
     std::vector<QByteArray> environment = WorkerEnvironment();
     std::vector<char*> variables;
+    variables.reserve(environment.size() + 1);
     for (QByteArray& one : environment) {
         variables.push_back(one.data());
     }

@@ -63,8 +63,7 @@ QString UserFolder(QStandardPaths::StandardLocation location, const QString& fal
 
 DesktopPlaces::DesktopPlaces(QString applicationFolder)
     : mApplicationFolder(std::move(applicationFolder))
-{
-}
+{ }
 
 QString DesktopPlaces::Home() const
 {

@@ -76,6 +76,19 @@ TEST_F(FileListViewTest, HasSevenColumnsUnderTheirCaptions)
     }
 }
 
+TEST_F(FileListViewTest, ColumnsWithoutANameAreNarrowAndKeepAChosenWidthWithOne)
+{
+    QHeaderView* const header = mList.Headings();
+    const int named = header->sectionSize(3);
+    mList.SetCaptions({"Place", "", "", ""});
+    EXPECT_EQ(header->sectionSize(3), named);
+    EXPECT_LT(header->sectionSize(4), named / 2);
+    header->resizeSection(3, 77);
+    mList.SetCaptions({"Town", "Event", "", ""});
+    EXPECT_EQ(header->sectionSize(3), 77);
+    EXPECT_EQ(header->sectionSize(4), named);
+}
+
 TEST_F(FileListViewTest, ShowsNameSizeInBytesTimeAndTags)
 {
     mList.SetTags(1, {"Athens", "", "Maria", ""});

@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace quillane {
 
@@ -15,6 +16,7 @@ namespace {
 
 // Widths of the columns in average characters.
 constexpr int kColumnChars[kFileColumns] = {34, 14, 26, 18, 18, 18, 18};
+constexpr int kUnnamedChars = 4; // a tag column that nobody gave a name
 
 /// Headings alone: the rows are painted without a model.
 class HeadingModel : public QAbstractTableModel {
@@ -102,8 +104,14 @@ void FileListView::MakeHeader()
 void FileListView::FitColumns()
 {
     for (int column = 0; column < kFileColumns; ++column) {
-        mHeader->resizeSection(column, fontMetrics().averageCharWidth() * kColumnChars[column]);
+        FitColumn(column);
     }
+}
+
+void FileListView::FitColumn(int column)
+{
+    const int chars = Caption(column).isEmpty() ? kUnnamedChars : kColumnChars[column];
+    mHeader->resizeSection(column, fontMetrics().averageCharWidth() * chars);
 }
 
 void FileListView::Connect(FileCells* cells)
@@ -168,7 +176,13 @@ void FileListView::SetStyle(int style)
 
 void FileListView::SetCaptions(const TagTexts& captions)
 {
-    mCaptions = captions;
+    const TagTexts before = std::exchange(mCaptions, captions);
+    for (size_t tag = 0; tag < captions.size(); ++tag) {
+        // A width that a person chose stays while the column stands for a tag.
+        if (before[tag].isEmpty() != captions[tag].isEmpty()) {
+            FitColumn(kColumnFirstTag + int(tag));
+        }
+    }
     Q_EMIT mHeader->model()->headerDataChanged(Qt::Horizontal, 0, kFileColumns - 1);
 }
 

@@ -112,6 +112,7 @@ private:
     void ShowSortMark();
     void SortAgain();
     void FitColumns();
+    void FitColumn(int column);
     FileCells* Hidden() const;
 
     FileRows mRows;

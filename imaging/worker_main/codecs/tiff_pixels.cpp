@@ -188,7 +188,7 @@ void TiffPixels::Unpack(const TiffRows& rows, int sample, std::uint16_t* to, boo
         return;
     }
     const int bits = mTags.bits;
-    const std::uint32_t most = (1u << bits) - 1;
+    const std::uint32_t most = std::max(1u, (1u << bits) - 1);
     const std::uint32_t flip = mTags.sampleFormat == SAMPLEFORMAT_INT ? 1u << (bits - 1) : 0;
     for (qint64 x = 0; x < width; ++x) {
         const qint64 index = x * step + first;
