@@ -1,6 +1,7 @@
 #pragma once
 #include "imaging/bitmap.h"
 #include "imaging/byte_source.h"
+#include "imaging/encode.h"
 #include "imaging/image_facts.h"
 #include <QSize>
 #include <atomic>
@@ -33,6 +34,11 @@ struct Codec {
     Bitmap (*decode)(ByteSource& source, const DecodeRequest& request);
     /// Whether the work is done by the decoding process; probe and decode are then null here.
     bool inWorker;
+    /// The whole file for EncodePicture, which has looked at the table of variants and brought the
+    /// picture to the wanted depth; nullptr for a format that is only read. With `encodesInWorker`
+    /// it is null here and the decoding process has it.
+    QByteArray (*encode)(const Bitmap& picture, const EncodeRequest& request) = nullptr;
+    bool encodesInWorker = false;
 };
 
 /// Every codec, in the order in which their marks are tried.
