@@ -18,11 +18,11 @@ struct SourceLayout {
 };
 
 struct EncodeRequest {
-    qint16 format = 0; ///< format code: container, colour space, sampling, compression
-    qint32 bits = 0;   ///< per pixel in the file; 0: those of the picture
-    qint32 quality = kBestQuality;            ///< kBestQuality..kLeastQuality
-    qint32 xResolution = 0, yResolution = 0;  ///< dots per inch; 0 unknown
-    QByteArray icc;                           ///< profile to embed; empty for none
+    qint16 format = 0;             ///< format code: container, colour space, sampling, compression
+    qint32 bits = 0;               ///< per pixel in the file; 0: those of the picture
+    qint32 quality = kBestQuality; ///< kBestQuality..kLeastQuality
+    qint32 xResolution = 0, yResolution = 0; ///< dots per inch; 0 unknown
+    QByteArray icc;                          ///< profile to embed; empty for none
     SourceLayout layout;
 };
 

@@ -19,9 +19,10 @@ struct CarryPlan {
     /// The file that the picture was loaded from, of the same carrier; nullptr when there is none
     /// or it is of another kind.
     ByteSource* original = nullptr;
-    const CommentSet* before = nullptr; ///< what the original's slots hold; nullptr with no original
-    CommentSet wanted;                  ///< what the slots of the new file are to hold
-    qint32 width = 0, height = 0;       ///< of the new picture, upright
+    const CommentSet* before =
+        nullptr;                  ///< what the original's slots hold; nullptr with no original
+    CommentSet wanted;            ///< what the slots of the new file are to hold
+    qint32 width = 0, height = 0; ///< of the new picture, upright
     /// A JPEG to embed as preview; empty: the original's is renewed from this picture's pixels by
     /// the caller, who then passes it here, or there is none.
     QByteArray preview;
