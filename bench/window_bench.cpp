@@ -33,7 +33,6 @@ namespace {
 constexpr double kStart = 250, kAnswer = 50, kFirstScreen = 500, kListed = 1500; // milliseconds
 constexpr double kOverLoop = 1.5;
 constexpr double kMemory = 160e6;     // bytes
-constexpr int kLargeFolder = 100'000; // files; what is required of a large folder holds from here
 constexpr int kLargeFolder = 100'000; // files
 constexpr int kSelected = 40;         // pictures to walk over
 constexpr int kQuiet = 1500;          // milliseconds without a change after which all is done
