@@ -55,8 +55,9 @@ frmBrowserAbout::frmBrowserAbout(const QString& title, Launcher& launcher, QWidg
     texts->addSpacing(8);
     texts->addWidget(about);
     texts->addSpacing(8);
-    texts->addWidget(MakeLink("Label1", MakerSite(), MakerSite()));
-    texts->addWidget(MakeLink("Label2", SupportAddress(), SupportMailLink(title)));
+    texts->addWidget(MakeLink("Label1", MakerSite(), MakerSite()), 0, Qt::AlignLeft);
+    texts->addWidget(MakeLink("Label2", SupportAddress(), SupportMailLink(title)), 0,
+                     Qt::AlignLeft);
     texts->addStretch();
     auto* top = new QHBoxLayout;
     top->addWidget(icon, 0, Qt::AlignTop);
@@ -71,6 +72,7 @@ frmBrowserAbout::frmBrowserAbout(const QString& title, Launcher& launcher, QWidg
     all->addSpacing(8);
     all->addLayout(bottom);
     setMinimumWidth(460);
+    ok->setFocus();
 }
 
 QLabel* frmBrowserAbout::MakeLink(const char* name, const QString& text, const QString& address)
@@ -85,7 +87,6 @@ QLabel* frmBrowserAbout::MakeLink(const char* name, const QString& text, const Q
     QFont font = link->font();
     font.setUnderline(true);
     link->setFont(font);
-    link->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
     link->installEventFilter(this);
     return link;
 }

@@ -14,11 +14,11 @@ constexpr int kCommentMarkBytes = 512; ///< that the codecs tell a format by
 
 std::atomic<qint64> sCommentParses{0};
 
-struct CommentCarrier {
+struct CommentParser {
     const char* codec; ///< Codec::name
     void (*read)(ByteSource& source, CommentSet& set);
 };
-constexpr CommentCarrier kCommentCarriers[] = {
+constexpr CommentParser kCommentParsers[] = {
     {"JPEG", ReadJpegComments},
     {"TIFF", ReadTiffComments},
     {"PNG", ReadPngComments},
@@ -83,9 +83,9 @@ CommentSet ReadComments(FileSource& source, const QString& path)
             set = worker::Comments(source, codec->name);
             return;
         }
-        for (const CommentCarrier& carrier : kCommentCarriers) {
-            if (std::strcmp(codec->name, carrier.codec) == 0) {
-                carrier.read(source, set);
+        for (const CommentParser& parser : kCommentParsers) {
+            if (std::strcmp(codec->name, parser.codec) == 0) {
+                parser.read(source, set);
             }
         }
     });
