@@ -234,9 +234,9 @@ TEST(CheckDocstrings, IsContentWithDocumentedOnes)
              "#pragma once\n#define A(x) \\\n    x(x)\n",
              "class A {\n    void F();\n};\n",
              "class A {\npublic:\n    int F() const { return mF; }\nprivate:\n    int G();\n};\n",
-             "class A {\npublic:\n    A();\n    explicit A(int a);\n    ~A();\n    A(A&&) = "
-             "delete;\n"
-             "    A& operator=(A&&);\n    void F() override;\n};\n",
+             "class A {\npublic:\n    A();\n    ~A();\n    A(A&&) = delete;\n    void F() "
+             "override;\n};\n",
+             "class A {\npublic:\n    explicit A(int a);\n    A& operator=(A&&);\n};\n",
              "struct A {\n    int a = F(1);\n    std::function<void(int)> b;\n    int c{2};\n};\n",
              "enum class E { A, B };\nusing F = int (*)(int);\nfriend void G();\n",
              "inline constexpr int kA[] = {F(1), G(2)};\nstatic_assert(sizeof(int) == 4);\n",

@@ -210,7 +210,7 @@ TEST(JpegDecode, GreyStaysGrey)
     EXPECT_EQ(bitmap.Pixels().format(), QImage::Format_Grayscale8);
     EXPECT_EQ(bitmap.Model(), ColourModel::Grey);
     EXPECT_EQ(bitmap.FileDepth(), 8);
-    EXPECT_NEAR(bitmap.Pixels().constScanLine(10)[32], 32 * 255 / 63, 4);
+    EXPECT_NEAR(bitmap.Pixels().constScanLine(10)[32], 32 * 255 / 63.0, 4);
 }
 
 TEST(JpegDecode, AdobesInvertedInkIsTurned)

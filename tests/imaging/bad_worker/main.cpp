@@ -360,7 +360,10 @@ int TryExecutableMemory()
 }
 int TryMuchMemory()
 {
-    return std::malloc(size_t(3) << 30) ? 0 : -1;
+    void* const much = std::malloc(size_t(3) << 30);
+    const int got = much ? 0 : -1;
+    std::free(much);
+    return got;
 }
 int TryTruncatingTheWindow()
 {
