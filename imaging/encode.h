@@ -1,21 +1,13 @@
 #pragma once
 // What a save asks of a codec beside the pixels, and the table of what can be written.
 #include "imaging/bitmap.h"
+#include "imaging/image_facts.h"
 #include <span>
 
 namespace quillane {
 
 inline constexpr qint32 kBestQuality = 2;    ///< lossless where the format has it
 inline constexpr qint32 kLeastQuality = 255; ///< the smallest file
-
-/// How a file of several channels laid its samples; what a re-save in place keeps where the
-/// format code is only the nearest. Zeros: as the format code says.
-struct SourceLayout {
-    quint8 horizontal = 0, vertical = 0; ///< samples of luminance to one of colour: 2 x 1 is 4:2:2
-    quint16 compression = 0;             ///< TIFF compression tag
-    bool progressive = false;            ///< of a JPEG
-    bool operator==(const SourceLayout&) const = default;
-};
 
 struct EncodeRequest {
     qint16 format = 0;             ///< format code: container, colour space, sampling, compression

@@ -26,6 +26,9 @@ struct CarryPlan {
     /// A JPEG to embed as preview; empty: the original's is renewed from this picture's pixels by
     /// the caller, who then passes it here, or there is none.
     QByteArray preview;
+    /// The new file is of a kind with an Exif block. A JPEG that is not has its description in a
+    /// comment marker.
+    bool exif = true;
     bool keepPreview = false; ///< the pixels are unchanged: the original's own preview stays
 };
 

@@ -105,6 +105,11 @@ ImageFacts JpegProbe(ByteSource& source)
     facts.bits = qint16(header.components * header.precision);
     facts.format = JpegFormatCode(header);
     facts.orientation = header.exif.orientation;
+    if (header.components > 1) {
+        facts.layout.horizontal = quint8(header.across);
+        facts.layout.vertical = quint8(header.down);
+    }
+    facts.layout.progressive = header.IsProgressive();
     const bool exif = header.exif.xResolution > 0 && header.exif.yResolution > 0;
     facts.xResolution = exif ? header.exif.xResolution : header.xResolution;
     facts.yResolution = exif ? header.exif.yResolution : header.yResolution;
