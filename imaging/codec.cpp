@@ -14,6 +14,7 @@ constexpr Codec kCodecTable[] = {
     {"GIF", "GIF", codecs::GifMatches, codecs::GifProbe, codecs::GifDecode, false},
     {"DICOM", "DIC DCM", codecs::DicomMatches, nullptr, nullptr, true},
     {"TIFF", "TIF TIFF", codecs::TiffMatches, nullptr, nullptr, true},
+    {"WMF", "WMF", codecs::WmfMatches, codecs::WmfProbe, codecs::WmfDecode, false},
     {"BMP", "BMP DIB RLE", codecs::BmpMatches, codecs::BmpProbe, codecs::BmpDecode, false},
     {"ICO", "ICO CUR", codecs::IcoMatches, codecs::IcoProbe, codecs::IcoDecode, false},
     {"PNM", "PBM PGM PPM PNM", codecs::PnmMatches, codecs::PnmProbe, codecs::PnmDecode, false},

@@ -46,6 +46,13 @@ ImageFacts PnmProbe(ByteSource& source);
 /// Codec::decode of the same.
 Bitmap PnmDecode(ByteSource& source, const DecodeRequest& request);
 
+/// Codec::matches of Windows metafiles, plain and placeable.
+bool WmfMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts WmfProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap WmfDecode(ByteSource& source, const DecodeRequest& request);
+
 /// Codec::matches of TIFF and BigTIFF in either byte order.
 bool TiffMatches(QByteArrayView head, QStringView extension);
 /// Codec::matches of DICOM, with its preamble or, by the extension, without.
