@@ -161,6 +161,7 @@ drawing::DrawnPage PlayWmf(const QByteArray& bytes, const std::atomic<bool>* can
         records.Play(record.function, record.parameters);
         return !page.drawing.IsFull();
     });
+    page.partial = page.partial || records.IsCutShort();
     if (page.drawing.IsEmpty() && page.partial) {
         Damaged(kWmfName, QStringLiteral("it ends before it draws anything"));
     }
@@ -169,9 +170,11 @@ drawing::DrawnPage PlayWmf(const QByteArray& bytes, const std::atomic<bool>* can
         page.inchWidth = std::abs(header.box.width()) / header.unitsPerInch;
         page.inchHeight = std::abs(header.box.height()) / header.unitsPerInch;
     }
-    drawing::SettleView(page, window.set       ? WmfView(header, window)
+    drawing::SettleView(page,
+                        window.set             ? WmfView(header, window)
                             : header.placeable ? header.box
                                                : page.drawing.Extents());
+    drawing::TakeInFigures(page);
     return page;
 }
 

@@ -6,7 +6,7 @@ namespace quillane::codecs {
 /// What stands before a metafile's records.
 struct WmfHeader {
     bool placeable = false;
-    QRectF box;       ///< of a placeable file, logical units
+    QRectF box; ///< of a placeable file, logical units
     int unitsPerInch = 0;
     qint64 recordsAt = 0;
 };

@@ -13,6 +13,8 @@ using drawing::RecordReader;
 
 namespace {
 
+constexpr int kWmfMostBoxes = 300'000; ///< in all regions of one file
+
 QPointF WmfYX(RecordReader& in)
 {
     const double y = in.I16();
@@ -277,14 +279,13 @@ void WmfRecords::CreatePattern(RecordReader& in, bool independent)
     GdiBrush brush;
     if (independent) {
         in.Skip(4);
-        brush.fill.pattern = drawing::MetafileBitmap(in.Bytes(in.Left()), {});
+        brush.fill.pattern = mBitmaps.Independent(in.Bytes(in.Left()));
     } else {
         // The bitmap's header, 18 bytes of nothing behind its first 14, then the pixels.
         QByteArray bitmap = in.Bytes(10).toByteArray();
         in.Skip(22);
         bitmap += in.Bytes(in.Left());
-        brush.fill.pattern =
-            drawing::DeviceBitmap(bitmap, mContext.TextColour(), mContext.BackColour());
+        brush.fill.pattern = mBitmaps.Device(bitmap, mContext.TextColour(), mContext.BackColour());
     }
     brush.fill.style = brush.fill.pattern.isNull() ? Qt::NoBrush : Qt::TexturePattern;
     mObjects.Add(brush);
@@ -301,7 +302,8 @@ void WmfRecords::CreateRegion(RecordReader& in)
         const int ends = in.U16();
         const double top = in.U16();
         const double bottom = in.U16();
-        for (int i = 0; i + 1 < ends && !in.HasEnded(); i += 2) {
+        for (int i = 0; i + 1 < ends && !in.HasEnded() && mRegionBoxes < kWmfMostBoxes; i += 2) {
+            ++mRegionBoxes;
             const double left = in.U16();
             const double right = in.U16();
             drawing::Path box;
@@ -387,10 +389,10 @@ bool WmfRecords::PlayBitmap(quint16 function, RecordReader& in)
 {
     drawing::GdiContext::Blit blit;
     const auto device = [&] {
-        blit.image = drawing::DeviceBitmap(in.Bytes(in.Left()), mContext.TextColour(),
-                                           mContext.BackColour());
+        blit.image =
+            mBitmaps.Device(in.Bytes(in.Left()), mContext.TextColour(), mContext.BackColour());
     };
-    const auto independent = [&] { blit.image = drawing::MetafileBitmap(in.Bytes(in.Left()), {}); };
+    const auto independent = [&] { blit.image = mBitmaps.Independent(in.Bytes(in.Left())); };
     const auto size = [&] {
         const double height = in.I16();
         return QSizeF(in.I16(), height);

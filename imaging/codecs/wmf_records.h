@@ -1,5 +1,6 @@
 #pragma once
 #include "imaging/vector/gdi_context.h"
+#include "imaging/vector/metafile_bitmap.h"
 #include "imaging/vector/record_reader.h"
 
 namespace quillane::codecs {
@@ -10,6 +11,8 @@ public:
     explicit WmfRecords(drawing::Drawing& drawing) : mContext(drawing) { }
     /// One record without its size and function.
     void Play(quint16 function, QByteArrayView parameters);
+    /// A picture was left out.
+    bool IsCutShort() const { return mBitmaps.IsCutShort(); }
     drawing::GdiContext& Context() { return mContext; }
 
 private:
@@ -24,9 +27,10 @@ private:
     void CreateRegion(drawing::RecordReader& in);
     void CreatePattern(drawing::RecordReader& in, bool independent);
     void SelectNumber(quint16 number);
-    QPointF MeanSize(double width, double height) const;
     drawing::GdiContext mContext;
     drawing::GdiTable mObjects;
+    drawing::MetafileBitmaps mBitmaps;
+    int mRegionBoxes = 0;
 };
 
 } // namespace quillane::codecs

@@ -30,11 +30,10 @@ QPen CanvasPen(const Stroke& stroke, double width)
     if (stroke.style != Qt::SolidLine && width < 2) {
         // The pattern of a thin line is that of the screen, in pixels.
         using Pattern = QList<qreal>;
-        pen.setDashPattern(stroke.style == Qt::DashLine     ? Pattern{12, 5}
-                               : stroke.style == Qt::DotLine ? Pattern{2, 3}
-                               : stroke.style == Qt::DashDotLine
-                               ? Pattern{9, 4, 2, 4}
-                               : Pattern{9, 3, 2, 3, 2, 3});
+        pen.setDashPattern(stroke.style == Qt::DashLine          ? Pattern{12, 5}
+                               : stroke.style == Qt::DotLine     ? Pattern{2, 3}
+                               : stroke.style == Qt::DashDotLine ? Pattern{9, 4, 2, 4}
+                                                                 : Pattern{9, 3, 2, 3, 2, 3});
     }
     return pen;
 }

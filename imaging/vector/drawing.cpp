@@ -13,8 +13,8 @@ bool DrawingIsSane(const QTransform& place)
     const double values[] = {place.m11(), place.m12(), place.m21(),
                              place.m22(), place.dx(),  place.dy()};
     return place.isAffine() && std::all_of(std::begin(values), std::end(values), [](double value) {
-        return std::abs(value) < 1e12;
-    });
+               return std::abs(value) < 1e12;
+           });
 }
 
 /// Index of a style in its list; the one used last is found again.
@@ -118,35 +118,60 @@ void Drawing::AddPicture(Picture picture, const ClipPointer& clip, quint8 rop)
     Push(RecordKind::Picture, mPictures.size() - 1, clip, rop);
 }
 
-QRectF Drawing::Extents() const
+QRectF Drawing::ExtentsOf(const Record& record, bool withText) const
 {
-    QRectF all;
-    bool begun = false;
-    const auto take = [&](const QRectF& box) {
-        // A line along an axis has a box without area, which united() passes over.
-        const QRectF grown = box.normalized();
-        if (!begun) {
-            all = grown;
-            begun = true;
-            return;
-        }
-        all = {QPointF(std::min(all.left(), grown.left()), std::min(all.top(), grown.top())),
-               QPointF(std::max(all.right(), grown.right()), std::max(all.bottom(), grown.bottom()))};
-    };
-    for (const Shape& shape : mShapes) {
+    switch (record.kind) {
+    case RecordKind::Path: {
+        const Shape& shape = mShapes[record.index];
         const double half = StrokeOf(shape).style == Qt::NoPen ? 0 : StrokeOf(shape).width / 2;
-        take(shape.path.Bounds().adjusted(-half, -half, half, half));
+        return shape.path.Bounds().adjusted(-half, -half, half, half);
     }
-    for (const TextRun& run : mTexts) {
+    case RecordKind::Text: {
+        const TextRun& run = mTexts[record.index];
+        if (!withText) {
+            return {};
+        }
         const double length =
             run.width > 0 ? run.width : 0.6 * run.height * double(run.text.size()) * run.stretch;
         const double from = run.across == Qt::AlignLeft ? 0
             : run.across == Qt::AlignRight              ? -length
                                                         : -length / 2;
-        take(run.place.mapRect(QRectF(from, -run.height, length, 1.2 * run.height)));
+        return run.place.mapRect(QRectF(from, -run.height, length, 1.2 * run.height));
     }
-    for (const Picture& picture : mPictures) {
-        take(picture.place.mapRect(QRectF(0, 0, 1, 1)));
+    case RecordKind::Picture:
+        return mPictures[record.index].place.mapRect(QRectF(0, 0, 1, 1));
+    }
+    return {};
+}
+
+QRectF Drawing::Extents(bool withText) const
+{
+    QRectF all;
+    bool begun = false;
+    const Clip* known = nullptr; // the clip whose first step is `first`
+    const Clip* first = nullptr;
+    for (const Record& record : mRecords) {
+        QRectF box = ExtentsOf(record, withText).normalized();
+        if (record.clip.get() != known) {
+            known = first = record.clip.get();
+            while (first && first->before) {
+                first = first->before.get();
+            }
+        }
+        if (first && first->mode == ClipMode::Intersect) {
+            box = box.intersected(first->path.Bounds());
+        }
+        // A line along an axis has a box without area, which united() passes over.
+        if (box.isNull()) {
+            continue;
+        }
+        if (!begun) {
+            all = box;
+            begun = true;
+            continue;
+        }
+        all = {QPointF(std::min(all.left(), box.left()), std::min(all.top(), box.top())),
+               QPointF(std::max(all.right(), box.right()), std::max(all.bottom(), box.bottom()))};
     }
     return all;
 }

@@ -129,8 +129,9 @@ public:
     /// Something was left out.
     bool IsCutShort() const { return mCutShort; }
     void SetCutShort() { mCutShort = true; }
-    /// Box around everything, drawing units; text counts with its point and a guess of its length.
-    QRectF Extents() const;
+    /// Box around everything, cut by the boxes that clip it; drawing units. Of text, which is left
+    /// out on wish, the length is a guess.
+    QRectF Extents(bool withText = true) const;
 
     static constexpr qsizetype kMaxRecords = 500'000;
     static constexpr qsizetype kMaxPoints = 4'000'000;
@@ -138,6 +139,7 @@ public:
     static constexpr qsizetype kMaxPictureBytes = qsizetype(96) << 20;
 
 private:
+    QRectF ExtentsOf(const Record& record, bool withText) const;
     bool Reserve(qsizetype points, qsizetype letters, qsizetype bytes);
     void Push(RecordKind kind, size_t index, const ClipPointer& clip, quint8 rop);
     std::vector<Record> mRecords;

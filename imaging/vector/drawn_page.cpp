@@ -9,6 +9,7 @@ namespace quillane::drawing {
 namespace {
 
 constexpr double kDrawnThinnest = 1.0 / 400; ///< of the long side
+constexpr double kDrawnSlack = 0.02;         ///< of the view that may stand outside it
 
 } // namespace
 
@@ -31,6 +32,23 @@ void SettleView(DrawnPage& page, QRectF wanted)
     }
 }
 
+void TakeInFigures(DrawnPage& page)
+{
+    const QRectF figures = page.drawing.Extents(false);
+    const QRectF view = page.view;
+    const double across = view.width() * kDrawnSlack;
+    const double down = view.height() * kDrawnSlack;
+    if (figures.isEmpty() || view.adjusted(-across, -down, across, down).contains(figures)) {
+        return;
+    }
+    const QRectF all = view.united(figures);
+    if (all.width() * all.height() <= 2 * view.width() * view.height()) {
+        page.view = all;
+        page.inchWidth *= all.width() / view.width();
+        page.inchHeight *= all.height() / view.height();
+    }
+}
+
 ImageFacts DrawnFacts(const DrawnPage& page, qint16 format)
 {
     const QSize size = NaturalSize(page.inchWidth, page.inchHeight, page.unitless);
@@ -48,8 +66,8 @@ Bitmap PaintPage(const DrawnPage& page, const DecodeRequest& request, const char
     codecs::CheckCancelled(request);
     PaintRequest paint;
     paint.view = page.view;
-    paint.size = ReducedSize(NaturalSize(page.inchWidth, page.inchHeight, page.unitless),
-                             request.atLeast);
+    paint.size =
+        ReducedSize(NaturalSize(page.inchWidth, page.inchHeight, page.unitless), request.atLeast);
     paint.format = format;
     paint.cancelled = request.cancelled;
     Painted painted = Paint(page.drawing, paint);

@@ -16,6 +16,9 @@ struct DrawnPage {
 
 /// Gives the view a width and a height: lines along an axis become pictures one unit high.
 void SettleView(DrawnPage& page, QRectF wanted);
+/// Makes the view larger where figures stand outside it, unless that would more than double it:
+/// files exist whose frame is too small for what they draw.
+void TakeInFigures(DrawnPage& page);
 /// Facts of a drawn page under a format code.
 ImageFacts DrawnFacts(const DrawnPage& page, qint16 format);
 /// The page painted, at reduced scale where the request allows it.

@@ -6,8 +6,8 @@ namespace quillane::drawing {
 
 namespace {
 
-constexpr double kFlatTolerance = 0.1; ///< pixels
-constexpr int kFlatMaxPieces = 400;    ///< of one curve
+constexpr double kFlatTolerance = 0.1;       ///< pixels
+constexpr int kFlatMaxPieces = 400;          ///< of one curve
 constexpr size_t kFlatMaxPoints = 1'000'000; ///< of one path; curves beyond are lines
 
 double FlatLength(QPointF a)
@@ -146,9 +146,8 @@ std::vector<Outline> Flatten(const Path& path, const QTransform& toPixels)
 
 std::vector<QPointF> ClipPolygon(const std::vector<QPointF>& polygon, const QRectF& box)
 {
-    const bool inside = std::all_of(polygon.begin(), polygon.end(), [&](const QPointF& point) {
-        return box.contains(point);
-    });
+    const bool inside = std::all_of(polygon.begin(), polygon.end(),
+                                    [&](const QPointF& point) { return box.contains(point); });
     if (inside) {
         return polygon;
     }
@@ -162,9 +161,8 @@ std::vector<QPointF> ClipPolygon(const std::vector<QPointF>& polygon, const QRec
 std::vector<Outline> ClipLines(const Outline& lines, const QRectF& box)
 {
     const std::vector<QPointF>& points = lines.points;
-    const bool inside = std::all_of(points.begin(), points.end(), [&](const QPointF& point) {
-        return box.contains(point);
-    });
+    const bool inside = std::all_of(points.begin(), points.end(),
+                                    [&](const QPointF& point) { return box.contains(point); });
     if (inside) {
         return {lines};
     }

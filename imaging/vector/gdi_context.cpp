@@ -126,8 +126,7 @@ void GdiContext::Restore(qint32 number)
 Stroke GdiContext::DeviceStroke() const
 {
     Stroke stroke = mState.pen.stroke;
-    const double scale =
-        mState.pen.cosmetic ? 1 : std::sqrt(std::abs(ToDevice().determinant()));
+    const double scale = mState.pen.cosmetic ? 1 : std::sqrt(std::abs(ToDevice().determinant()));
     stroke.width = std::isfinite(scale) ? std::abs(stroke.width) * scale : 0;
     stroke.miter = mState.miter;
     return stroke;

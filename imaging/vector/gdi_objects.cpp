@@ -22,15 +22,7 @@ constexpr GdiCharset kGdiCharsets[] = {
 
 void GdiTable::Add(GdiObject object)
 {
-    for (GdiObject& place : mObjects) {
-        if (std::holds_alternative<std::monostate>(place)) {
-            place = std::move(object);
-            return;
-        }
-    }
-    if (mObjects.size() < kMostObjects) {
-        mObjects.push_back(std::move(object));
-    }
+    Set(mFree.empty() ? quint32(mObjects.size()) : *mFree.begin(), std::move(object));
 }
 
 void GdiTable::Set(quint32 number, GdiObject object)
@@ -38,9 +30,11 @@ void GdiTable::Set(quint32 number, GdiObject object)
     if (number >= kMostObjects) {
         return;
     }
-    if (number >= mObjects.size()) {
-        mObjects.resize(number + 1);
+    while (number >= mObjects.size()) {
+        mFree.insert(quint32(mObjects.size()));
+        mObjects.emplace_back();
     }
+    mFree.erase(number);
     mObjects[number] = std::move(object);
 }
 
@@ -48,6 +42,7 @@ void GdiTable::Delete(quint32 number)
 {
     if (number < mObjects.size()) {
         mObjects[number] = std::monostate();
+        mFree.insert(number);
     }
 }
 
@@ -73,16 +68,15 @@ Stroke GdiStroke(quint32 style)
 
 Fill GdiFill(quint32 style, QRgb colour, quint32 hatch)
 {
-    constexpr Qt::BrushStyle kHatches[] = {Qt::HorPattern,   Qt::VerPattern,   Qt::FDiagPattern,
-                                           Qt::BDiagPattern, Qt::CrossPattern, Qt::DiagCrossPattern};
+    constexpr Qt::BrushStyle kHatches[] = {Qt::HorPattern,   Qt::VerPattern,
+                                           Qt::FDiagPattern, Qt::BDiagPattern,
+                                           Qt::CrossPattern, Qt::DiagCrossPattern};
     Fill fill;
     fill.colour = colour;
     if (style == 0) {
         fill.style = Qt::SolidPattern;
     } else if (style == 2) {
-        // The names of the two diagonals are exchanged here against those of the toolkit.
-        const quint32 index = hatch < std::size(kHatches) ? hatch : 0;
-        fill.style = index == 2 ? Qt::BDiagPattern : index == 3 ? Qt::FDiagPattern : kHatches[index];
+        fill.style = kHatches[hatch < std::size(kHatches) ? hatch : 0];
     }
     return fill;
 }

@@ -2,6 +2,7 @@
 // The objects of Windows' graphics that metafiles make, select and forget.
 #include "imaging/vector/drawing.h"
 #include <optional>
+#include <set>
 #include <variant>
 
 namespace quillane::drawing {
@@ -17,8 +18,8 @@ struct GdiBrush {
 
 struct GdiFont {
     QString family;
-    double height = 0;  ///< logical units; above 0 the cell, below 0 the letters' own
-    double width = 0;   ///< of a middling letter; 0: as the font has it
+    double height = 0;     ///< logical units; above 0 the cell, below 0 the letters' own
+    double width = 0;      ///< of a middling letter; 0: as the font has it
     double escapement = 0; ///< tenths of degrees, against the clock
     int weight = 400;
     bool italic = false, underline = false, strikeOut = false;
@@ -50,6 +51,7 @@ public:
 
 private:
     std::vector<GdiObject> mObjects;
+    std::set<quint32> mFree; ///< numbers below the end that hold nothing
 };
 
 /// Style, cap and join of a pen by its number (PS_...).

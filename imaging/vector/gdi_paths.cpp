@@ -6,6 +6,22 @@
 
 namespace quillane::drawing {
 
+namespace {
+
+constexpr size_t kGdiMostClipPoints = 1'500'000; ///< in all clipping areas of one drawing
+
+} // namespace
+
+bool GdiContext::SpendClip(const Path& path)
+{
+    mClipPoints += path.Points().size();
+    if (mClipPoints > kGdiMostClipPoints) {
+        mDrawing.SetCutShort();
+        return false;
+    }
+    return true;
+}
+
 void GdiContext::BeginPath()
 {
     mPath.Clear();
@@ -46,14 +62,18 @@ void GdiContext::IntersectClip(const QRectF& box)
 {
     Path path;
     path.AddRectangle(box);
-    mState.clip = AddClip(mState.clip, ClipMode::Intersect, path.Mapped(ToDevice()), false);
+    if (SpendClip(path)) {
+        mState.clip = AddClip(mState.clip, ClipMode::Intersect, path.Mapped(ToDevice()), false);
+    }
 }
 
 void GdiContext::ExcludeClip(const QRectF& box)
 {
     Path path;
     path.AddRectangle(box);
-    mState.clip = AddClip(mState.clip, ClipMode::Exclude, path.Mapped(ToDevice()), false);
+    if (SpendClip(path)) {
+        mState.clip = AddClip(mState.clip, ClipMode::Exclude, path.Mapped(ToDevice()), false);
+    }
 }
 
 void GdiContext::OffsetClip(QPointF by)
@@ -66,6 +86,9 @@ void GdiContext::OffsetClip(QPointF by)
     }
     ClipPointer moved;
     for (auto step = steps.rbegin(); step != steps.rend(); ++step) {
+        if (!SpendClip((*step)->path)) {
+            return;
+        }
         moved = AddClip(moved, (*step)->mode,
                         (*step)->path.Mapped(QTransform::fromTranslate(move.x(), move.y())),
                         (*step)->winding);
@@ -77,6 +100,9 @@ void GdiContext::ClipToRegion(const Path& device, quint32 mode)
 {
     if (mode == 5 && device.IsEmpty()) {
         mState.clip.reset();
+        return;
+    }
+    if (!SpendClip(device)) {
         return;
     }
     const ClipMode kModes[] = {ClipMode::Intersect, ClipMode::Unite, ClipMode::Xor,
@@ -111,9 +137,7 @@ TextRun GdiContext::RunOf(const TextOut& out) const
     const quint32 across = mState.textAlign & 6;
     run.across = across == 6 ? Qt::AlignHCenter : across == 2 ? Qt::AlignRight : Qt::AlignLeft;
     const quint32 down = mState.textAlign & 0x18;
-    run.down = down == 0x18 ? TextPlace::Baseline
-        : down == 8         ? TextPlace::Bottom
-                            : TextPlace::Top;
+    run.down = down == 0x18 ? TextPlace::Baseline : down == 8 ? TextPlace::Bottom : TextPlace::Top;
     run.colour = mState.textColour;
     run.backed = mState.opaque && !out.opaque;
     run.back = mState.backColour;
@@ -144,7 +168,7 @@ void GdiContext::Text(const TextOut& out)
         if (out.opaque) {
             mDrawing.AddPath(device, Stroke(), GdiFill(0, mState.backColour, 0), mState.clip);
         }
-        if (out.clipped) {
+        if (out.clipped && SpendClip(device)) {
             clip = AddClip(clip, ClipMode::Intersect, device, false);
         }
     }
@@ -157,9 +181,8 @@ void GdiContext::Text(const TextOut& out)
     }
     mDrawing.AddText(RunOf(out), clip);
     if (mState.textAlign & 1) {
-        const double way = length > 0
-            ? length
-            : 0.5 * std::abs(mState.font.height) * double(out.text.size());
+        const double way =
+            length > 0 ? length : 0.5 * std::abs(mState.font.height) * double(out.text.size());
         mState.current.rx() += (mState.textAlign & 6) == 2 ? -way
             : (mState.textAlign & 6) == 6                  ? 0
                                                            : way;

@@ -115,8 +115,8 @@ TextOutlines GlyphStore::Lay(const TextRun& run)
         / (run.heightOf == TextHeight::Em         ? kGlyphPixels
                : run.heightOf == TextHeight::Cell ? face.ascent + face.descent
                                                   : face.capital);
-    double wide = unit * (run.averageWidth > 0 ? run.averageWidth / (face.average * unit)
-                                               : run.stretch);
+    double wide =
+        unit * (run.averageWidth > 0 ? run.averageWidth / (face.average * unit) : run.stretch);
     Path letters;
     double length = 0;
     if (run.advances.empty() && run.extra == 0 && !GlyphsStandAlone(run.text)) {
@@ -140,9 +140,8 @@ TextOutlines GlyphStore::Lay(const TextRun& run)
         for (const char32_t letter : run.text.toUcs4()) {
             const auto& [path, advance] = Glyph(face, letter);
             letters.Append(path.Mapped(QTransform(wide, 0, 0, unit, length, 0)));
-            length += unit16 < qsizetype(run.advances.size())
-                ? double(run.advances[size_t(unit16)])
-                : advance * wide + run.extra;
+            length += unit16 < qsizetype(run.advances.size()) ? double(run.advances[size_t(unit16)])
+                                                              : advance * wide + run.extra;
             unit16 += letter > 0xffff ? 2 : 1;
         }
     }

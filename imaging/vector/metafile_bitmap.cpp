@@ -12,20 +12,6 @@ using codecs::Little32;
 constexpr char kMetafileBitmapName[] = "metafile";
 constexpr int kMetafileFieldsEnd = 40; ///< of a header with a field for packing
 
-QImage MetafileWrapped(const QByteArray& bytes)
-{
-    MemorySource source(bytes);
-    const bool jpeg = codecs::JpegMatches(bytes.first(qMin<qsizetype>(bytes.size(), 512)), {});
-    if (!jpeg && !codecs::PngMatches(bytes.first(qMin<qsizetype>(bytes.size(), 512)), {})) {
-        return {};
-    }
-    const ImageFacts facts = jpeg ? codecs::JpegProbe(source) : codecs::PngProbe(source);
-    if (qint64(facts.width) * facts.height > kMetafileMostPixels) {
-        return {};
-    }
-    return (jpeg ? codecs::JpegDecode(source, {}) : codecs::PngDecode(source, {})).ToDisplay();
-}
-
 QImage MetafileRows(codecs::ByteStream& stream, const codecs::DibHeader& header, QImage image)
 {
     const codecs::DibRows rows(header);
@@ -40,15 +26,42 @@ QImage MetafileRows(codecs::ByteStream& stream, const codecs::DibHeader& header,
     return image;
 }
 
-QImage MetafileUnpacked(const QByteArray& header, const QByteArray& pixels)
+} // namespace
+
+bool MetafileBitmaps::Spend(qint64 width, qint64 height)
+{
+    const qint64 pixels = width * height;
+    if (pixels > kMostPixels || pixels > mLeft) {
+        mCutShort = true;
+        return false;
+    }
+    mLeft -= pixels;
+    return true;
+}
+
+QImage MetafileBitmaps::Wrapped(const QByteArray& bytes)
+{
+    MemorySource source(bytes);
+    const bool jpeg = codecs::JpegMatches(bytes.first(qMin<qsizetype>(bytes.size(), 512)), {});
+    if (!jpeg && !codecs::PngMatches(bytes.first(qMin<qsizetype>(bytes.size(), 512)), {})) {
+        return {};
+    }
+    const ImageFacts facts = jpeg ? codecs::JpegProbe(source) : codecs::PngProbe(source);
+    if (!Spend(facts.width, facts.height)) {
+        return {};
+    }
+    return (jpeg ? codecs::JpegDecode(source, {}) : codecs::PngDecode(source, {})).ToDisplay();
+}
+
+QImage MetafileBitmaps::Unpacked(const QByteArray& header, const QByteArray& pixels)
 {
     MemorySource source(header);
     codecs::DibHeader dib = codecs::ReadDibHeader(source, 0, kMetafileBitmapName);
-    // Every pixel must have cost the file something, or it is a claim.
+    // Half of the pixels must be there, or the size is a mere claim.
     const qint64 stored = pixels.isEmpty() ? header.size() - dib.end : pixels.size();
     const bool packed = dib.packing != codecs::DibPacking::None;
-    if (dib.width * dib.height > kMetafileMostPixels || stored <= 0
-        || (!packed && dib.RowBytes() > stored) || (packed && dib.width * dib.height / 4096 > stored)) {
+    if (stored <= 0 || (!packed && dib.RowBytes() * dib.height / 2 > stored)
+        || (packed && dib.width * dib.height / 4096 > stored) || !Spend(dib.width, dib.height)) {
         return {};
     }
     const bool alpha = dib.bits > 8 && dib.masks[3] != 0;
@@ -69,9 +82,7 @@ QImage MetafileUnpacked(const QByteArray& header, const QByteArray& pixels)
     return MetafileRows(stream, dib, std::move(image));
 }
 
-} // namespace
-
-QImage MetafileBitmap(QByteArrayView header, QByteArrayView pixels)
+QImage MetafileBitmaps::Independent(QByteArrayView header, QByteArrayView pixels)
 {
     const auto bytes = [](QByteArrayView view) {
         return QByteArray::fromRawData(view.data(), view.size());
@@ -82,18 +93,18 @@ QImage MetafileBitmap(QByteArrayView header, QByteArrayView pixels)
             const uchar* p = reinterpret_cast<const uchar*>(header.data());
             const quint32 packing = Little32(p + 16);
             if (Little32(p) >= kMetafileFieldsEnd && (packing == 4 || packing == 5)) {
-                image = MetafileWrapped(
-                    bytes(pixels.isEmpty() && Little32(p) <= header.size() ? header.sliced(Little32(p))
-                                                                           : pixels));
+                image = Wrapped(bytes(pixels.isEmpty() && Little32(p) <= header.size()
+                                          ? header.sliced(Little32(p))
+                                          : pixels));
                 return;
             }
         }
-        image = MetafileUnpacked(bytes(header), bytes(pixels));
+        image = Unpacked(bytes(header), bytes(pixels));
     });
     return image;
 }
 
-QImage DeviceBitmap(QByteArrayView bytes, QRgb zero, QRgb one)
+QImage MetafileBitmaps::Device(QByteArrayView bytes, QRgb zero, QRgb one)
 {
     constexpr int kHeader = 10;
     if (bytes.size() < kHeader) {
@@ -106,8 +117,7 @@ QImage DeviceBitmap(QByteArrayView bytes, QRgb zero, QRgb one)
     const int bits = p[8] * p[9];
     const bool known = bits == 1 || bits == 24 || bits == 32;
     if (!known || width < 1 || height < 1 || qint64(width) * bits > qint64(line) * 8
-        || qint64(line) * height > bytes.size() - kHeader
-        || qint64(width) * height > kMetafileMostPixels) {
+        || qint64(line) * height > bytes.size() - kHeader || !Spend(width, height)) {
         return {};
     }
     QImage image(width, height, QImage::Format_RGB32);

@@ -13,7 +13,9 @@ class Path {
 public:
     void MoveTo(QPointF to) { Add(PathStep::Move, to); }
     void LineTo(QPointF to) { Add(PathStep::Line, to); }
+    /// A curve to `to` with its two handles.
     void CubicTo(QPointF first, QPointF second, QPointF to);
+    /// A line back to where this part began.
     void Close();
     /// A closed rectangle.
     void AddRectangle(const QRectF& box);

@@ -44,6 +44,12 @@ QList<QHash<QString, QString>> CodecSampleRows()
     return rows;
 }
 
+/// A drawing has as many pixels as it is given: its own tests say how many those are.
+bool CodecSampleIsDrawn(const QString& name)
+{
+    return QStringList({"WMF", "EMF", "DXF", "EPS"}).contains(name);
+}
+
 TEST(CodecSamples, FactsAndPixelsAreAsTheListTells)
 {
     if (!CodecSamplesAreHere()) {
@@ -59,7 +65,7 @@ TEST(CodecSamples, FactsAndPixelsAreAsTheListTells)
         FileSource source(path);
         const QByteArray head = source.Head(512);
         const Codec* codec = FindCodec(head, file.section('.', -1));
-        if (!codec || codec->inWorker) {
+        if (!codec || codec->inWorker || CodecSampleIsDrawn(codec->name)) {
             continue;
         }
         SCOPED_TRACE(file.toStdString());

@@ -1,4 +1,5 @@
 #include "picture_maker.h"
+#include "drawn_maker.h"
 #include <QColorSpace>
 #include <algorithm>
 #include <cstdio>
@@ -324,6 +325,7 @@ QMap<QString, QByteArray> MadePictures()
                      + Little(22, 4) + Little(40, 4) + Little(16, 4) + Little(16, 4) + Little(1, 2)
                      + Little(8, 2) + QByteArray(24, '\0') + QByteArray(1024, 'c')
                      + QByteArray(16 * 8 + 4 * 8, '\3'));
+    files.insert(MadeDrawings());
     return files;
 }
 

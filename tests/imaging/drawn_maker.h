@@ -1,0 +1,36 @@
+#pragma once
+// Makes drawings in memory for the tests, record by record.
+#include <QByteArray>
+#include <QMap>
+#include <QRect>
+#include <QString>
+#include <initializer_list>
+
+namespace quillane::making {
+
+/// A Windows metafile. Parameters are 16-bit words in the order in which the file has them.
+class WmfMaker {
+public:
+    WmfMaker& Add(int function, std::initializer_list<int> words = {}, const QByteArray& more = {});
+    /// The usual beginning: a window of that size from the origin.
+    WmfMaker& Window(int width, int height);
+    /// A solid brush (or one with that style and hatch) and a pen, selected as objects 0 and 1.
+    WmfMaker& Brush(int colour, int style = 0, int hatch = 0);
+    WmfMaker& Pen(int colour, int width, int style = 0);
+    /// Rectangle from left, top to right, bottom.
+    WmfMaker& Rectangle(int left, int top, int right, int bottom);
+    QByteArray Plain() const;
+    QByteArray Placeable(QRect box, int unitsPerInch) const;
+
+private:
+    QByteArray mRecords;
+    int mObjects = 0;
+};
+
+/// A device-independent bitmap of 24 bits: header and pixels, pixel (x, y) as PlaceColour tells.
+QByteArray MakeDib(int width, int height);
+
+/// Small drawings of every drawn format, by names.
+QMap<QString, QByteArray> MadeDrawings();
+
+} // namespace quillane::making
