@@ -16,6 +16,10 @@ inline constexpr int kMaxFolderDepth = 64;              ///< sub-folders below a
 inline constexpr int kMaxPages = 65'535;
 inline constexpr int kWorkerSeconds = 2;        ///< probe or comments of one file
 inline constexpr int kWorkerDecodeSeconds = 10; ///< pixels of one file
+inline constexpr int kWorkerEncodeSeconds = 10; ///< one file that is written, and more by its size:
+inline constexpr int kWorkerEncodePixelsPerSecond = 250'000;
+inline constexpr qint64 kWorkerRewriteBytesPerSecond = 10ll << 20; ///< of the original
+inline constexpr qint64 kMaxEncodedBytes = 768ll << 20;            ///< file that is written
 inline constexpr qint64 kWorkerMemoryBytes = 448ll << 20;
 
 } // namespace quillane::limits

@@ -14,11 +14,13 @@ constexpr std::chrono::milliseconds kLookAtCancelled{10}; ///< how often the fla
 constexpr std::chrono::milliseconds kFarewell{60};        ///< for the end of a cancelled request
 } // namespace
 
-Exchange::Exchange(WorkerPool& pool, const char* codecName, const std::atomic<bool>* cancelled)
+Exchange::Exchange(WorkerPool& pool, const char* codecName, const std::atomic<bool>* cancelled,
+                   Task task)
     : mPool(pool),
       mFormat(QString::fromLatin1(codecName)),
       mCodec(codecName),
       mCancelled(cancelled),
+      mTask(task),
       mGeneration(pool.Generation()),
       mProcess(pool.Take(cancelled)),
       mStorage(std::make_unique_for_overwrite<Aligned>())
@@ -32,28 +34,37 @@ Exchange::~Exchange()
     mPool.GiveBack(std::move(mProcess), mGeneration);
 }
 
+void Exchange::Fail(const char* words)
+{
+    const bool encoding = mTask == Task::Encoding;
+    throw Failure(kFailureWorker,
+                  QString::fromLatin1(words).arg(
+                      mFormat, encoding ? QStringLiteral("encoder") : QStringLiteral("decoder"),
+                      encoding ? QStringLiteral("picture") : QStringLiteral("file")),
+                  mFormat);
+}
+
 void Exchange::Stopped()
 {
-    throw Failure(kFailureWorker,
-                  QStringLiteral("The %1 decoder stopped working on this file.").arg(mFormat),
-                  mFormat);
+    Fail("The %1 %2 stopped working on this %3.");
 }
 
 void Exchange::Slow()
 {
-    throw Failure(kFailureWorker,
-                  QStringLiteral("The %1 decoder took too long over this file.").arg(mFormat),
-                  mFormat);
+    Fail("The %1 %2 took too long over this %3.");
 }
 
 void Exchange::Lied()
 {
     mHealthy = false;
-    throw Failure(kFailureWorker,
-                  QStringLiteral("The %1 decoder gave an answer that makes no sense for this "
-                                 "file.")
-                      .arg(mFormat),
-                  mFormat);
+    Fail("The %1 %2 gave an answer that makes no sense for this %3.");
+}
+
+template <typename Message> void Exchange::Say(const Message& message, int descriptor)
+{
+    if (!SendPacket(mProcess->Socket(), &message, sizeof(message), descriptor)) {
+        Stopped();
+    }
 }
 
 bool Exchange::Wait(Clock::time_point until, bool mayCancel)
@@ -122,9 +133,29 @@ void Exchange::Ask(MessageKind kind, int fileDescriptor, qint64 fileBytes, qint3
     std::copy_n(mCodec.constData(), std::min<qsizetype>(mCodec.size(), sizeof(request.codec) - 1),
                 request.codec);
     mDeadline = Clock::now() + std::chrono::seconds(seconds);
-    if (!SendPacket(mProcess->Socket(), &request, sizeof(request), fileDescriptor)) {
-        Stopped();
-    }
+    Say(request, fileDescriptor);
+}
+
+uchar* Exchange::Window()
+{
+    mWindowIsNew = mWindowIsNew || !mProcess->Memory().IsMade();
+    mProcess->Memory().Make();
+    return mProcess->Memory().WritableData();
+}
+
+void Exchange::AskToEncode(EncodeMessage& request, int originalDescriptor, qint64 originalBytes,
+                           int seconds)
+{
+    Window();
+    AwaitReady();
+    mTicket = mProcess->NextTicket();
+    request.head = {kProtocolMark, MessageKind::Encode, mTicket};
+    request.originalBytes = originalDescriptor < 0 ? -1 : originalBytes;
+    std::copy_n(mCodec.constData(), std::min<qsizetype>(mCodec.size(), sizeof(request.codec) - 1),
+                request.codec);
+    mDeadline = Clock::now() + std::chrono::seconds(seconds);
+    Say(request, originalDescriptor);
+    Grant();
 }
 
 MessageKind Exchange::Next()
@@ -213,22 +244,27 @@ const PieceMessage& Exchange::AsPiece()
 
 const uchar* Exchange::Grant()
 {
-    SharedMemory& window = mProcess->Memory();
-    GrantMessage grant{{kProtocolMark, MessageKind::Grant, mTicket}, window.IsMade() ? 0u : 1u};
-    window.Make();
-    if (!SendPacket(mProcess->Socket(), &grant, sizeof(grant),
-                    grant.fresh ? window.Descriptor() : -1)) {
-        Stopped();
-    }
+    Window();
+    const SharedMemory& window = mProcess->Memory();
+    const GrantMessage grant{{kProtocolMark, MessageKind::Grant, mTicket}, mWindowIsNew ? 1u : 0u};
+    Say(grant, mWindowIsNew ? window.Descriptor() : -1);
+    mWindowIsNew = false;
     return window.Data();
 }
 
 void Exchange::Taken(qint32 rows)
 {
-    const TakenMessage taken{{kProtocolMark, MessageKind::Taken, mTicket}, rows};
-    if (!SendPacket(mProcess->Socket(), &taken, sizeof(taken))) {
-        Stopped();
-    }
+    Say(TakenMessage{{kProtocolMark, MessageKind::Taken, mTicket}, rows});
+}
+
+void Exchange::Filled(qint32 rows)
+{
+    Say(RowsMessage{{kProtocolMark, MessageKind::Rows, mTicket}, rows});
+}
+
+void Exchange::Copied()
+{
+    Say(CopiedMessage{{kProtocolMark, MessageKind::Copied, mTicket}});
 }
 
 } // namespace quillane::worker

@@ -10,8 +10,11 @@ namespace quillane::worker {
 /// the end when everything went by the protocol, ended otherwise.
 class Exchange {
 public:
+    /// What the process is asked for, in the words of failures.
+    enum class Task : quint8 { Decoding, Encoding };
     /// codecName names the format in the words of failures. Failure as WorkerPool::Take.
-    Exchange(WorkerPool& pool, const char* codecName, const std::atomic<bool>* cancelled);
+    Exchange(WorkerPool& pool, const char* codecName, const std::atomic<bool>* cancelled,
+             Task task = Task::Decoding);
     ~Exchange();
     Exchange(const Exchange&) = delete;
     Exchange& operator=(const Exchange&) = delete;
@@ -19,6 +22,12 @@ public:
     /// Sends the request; from here the process has `seconds` for everything.
     void Ask(MessageKind kind, int fileDescriptor, qint64 fileBytes, qint32 page, qint32 minWidth,
              qint32 minHeight, int seconds);
+    /// Sends the request to encode, its head, codec and `originalBytes` filled in here (0 bytes
+    /// or more with a descriptor), then the window. `seconds` as above.
+    void AskToEncode(EncodeMessage& request, int originalDescriptor, qint64 originalBytes,
+                     int seconds);
+    /// The window, made when it was not there; what is written before AskToEncode is read by it.
+    uchar* Window();
     /// Waits for the next message of this request. Failure: kFailureWorker when the process
     /// ended, was too slow or broke the protocol; kFailureCancelled; what the process refused
     /// the file with.
@@ -37,6 +46,10 @@ public:
     const uchar* Grant();
     /// Tells how many rows have been copied.
     void Taken(qint32 rows);
+    /// Tells how many rows of a picture to encode lie in the window or have lain there.
+    void Filled(qint32 rows);
+    /// Tells that a slot of the encoded file has been copied.
+    void Copied();
     /// The request came to its end: the process can serve the next one.
     void Finish() { mHealthy = true; }
     /// Failure: the process said what makes no sense.
@@ -53,11 +66,14 @@ private:
     bool Wait(Clock::time_point until, bool mayCancel);
     bool Read();
     void AwaitReady();
+    [[noreturn]] void Fail(const char* words);
+    template <typename Message> void Say(const Message& message, int descriptor = -1);
 
     WorkerPool& mPool;
     QString mFormat;
     QByteArray mCodec;
     const std::atomic<bool>* mCancelled;
+    Task mTask;
     quint64 mGeneration;
     std::unique_ptr<WorkerProcess> mProcess;
     struct Aligned {
@@ -68,6 +84,7 @@ private:
     quint64 mTicket = 0;
     qint64 mBytes = 0;
     bool mHealthy = false;
+    bool mWindowIsNew = false; ///< made here, and the process has not got it yet
 };
 
 } // namespace quillane::worker

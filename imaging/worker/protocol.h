@@ -14,8 +14,17 @@
 // answers Taken; the process never runs further ahead than the window is long. So the memory
 // of a transfer is the same for every picture, and pages are fresh only once.
 //
+// An encoding goes the other way round. The request carries the picture's shape and, for a file
+// that is written anew, the original as a descriptor; Grant follows at once, with the colour
+// profile and the changed texts at the window's beginning. The process copies those and answers
+// Taken 0; from then on the window is a ring of rows in its first half, which the program fills,
+// and two slots for the encoded file in its second. The program answers every Taken with Rows,
+// as far as it has filled the ring; the process says Output when it has filled a slot, the
+// program copies that and answers Copied. At the end Done; or Refused at any time.
+//
 // The program may send Cancel at any time; the process still ends the request with its last
 // message. Every message repeats the ticket of its request.
+#include "imaging/limits.h"
 #include <QtGlobal>
 
 namespace quillane::worker {
@@ -35,21 +44,31 @@ inline constexpr qint64 kRowsStepBytes = kWindowBytes / 2;
 /// A process looks for a Cancel whenever it has written so many bytes.
 inline constexpr qint64 kListenStepBytes = 1ll << 20;
 
+/// Bytes of the window that hold rows while a picture is encoded; the rest are the slots.
+inline constexpr qint64 kEncodeRowsBytes = kWindowBytes / 2;
+inline constexpr int kOutputSlots = 2;
+inline constexpr qint64 kOutputSlotBytes = (kWindowBytes - kEncodeRowsBytes) / kOutputSlots;
+/// Bytes that an encoder may leave out behind the end of what it has written so far.
+inline constexpr qint64 kMaxOutputGap = 4096;
+
 enum class MessageKind : quint32 {
     Probe = 1,
     Decode,
     Comments,
     Grant,
-    Taken,
+    Taken, ///< from the process while it encodes
     Cancel,
+    Encode,
+    Copied,
     Ready = 100,
     Facts,
     Profile,
     Announce,
-    Rows,
+    Rows, ///< from the program while the process encodes
     Text,
     Done,
-    Refused
+    Refused,
+    Output
 };
 
 struct MessageHead {
@@ -104,6 +123,23 @@ constexpr qint64 RowsInWindow(qint64 rowBytes)
 {
     return kWindowBytes / rowBytes;
 }
+/// Whole rows that the window holds while a picture is encoded.
+constexpr qint64 RowsWhileEncoding(qint64 rowBytes)
+{
+    return kEncodeRowsBytes / rowBytes;
+}
+
+/// Seconds that an encoding may take. Numbers below 0 count as 0.
+constexpr int EncodeSeconds(qint64 width, qint64 height, qint64 originalBytes)
+{
+    const auto between = [](qint64 value, qint64 most) {
+        return value < 0 ? 0 : value < most ? value : most;
+    };
+    const qint64 pixels = between(width, limits::kMaxSide) * between(height, limits::kMaxSide);
+    return limits::kWorkerEncodeSeconds
+        + int(between(pixels, limits::kMaxPixels) / limits::kWorkerEncodePixelsPerSecond)
+        + int(between(originalBytes, limits::kMaxFileBytes) / limits::kWorkerRewriteBytesPerSecond);
+}
 
 struct RequestMessage {
     MessageHead head;
@@ -111,6 +147,40 @@ struct RequestMessage {
     qint32 page;
     qint32 atLeastWidth, atLeastHeight;
     char codec[20]; ///< Codec::name, ends with a zero
+};
+
+/// A picture to encode, or changes of a file whose pixels stay.
+struct EncodeMessage {
+    MessageHead head;
+    qint64 originalBytes; ///< of the file that comes with this message; -1 for none
+    qint32 width, height; ///< 0 for no picture
+    PixelLayout layout;
+    qint32 fileDepth;
+    qint32 colourCount;
+    quint32 colours[kMaxColours]; ///< 0xAARRGGBB
+    qint32 format, bits, quality;
+    qint32 xResolution, yResolution;
+    quint32 horizontal, vertical, compression, progressive; ///< SourceLayout
+    qint32 profileBytes;                                    ///< at the beginning of the window
+    qint32 textBytes; ///< behind them: TextChangeHead and UTF-8, any number of times
+    char codec[20];   ///< Codec::name, ends with a zero
+};
+
+struct TextChangeHead {
+    qint32 slot;
+    qint32 bytes; ///< of UTF-8 that follow; 0: the field goes
+};
+
+/// Bytes of the encoded file are ready in the next slot.
+struct OutputMessage {
+    MessageHead head;
+    qint64 position; ///< in the file
+    qint32 count;
+};
+
+/// The slot said least recently has been copied.
+struct CopiedMessage {
+    MessageHead head;
 };
 
 struct GrantMessage {
@@ -140,7 +210,8 @@ struct FactsMessage {
     qint32 bits, format, pages;
     qint32 xResolution, yResolution;
     qint32 orientation;
-    char compression[64]; ///< UTF-8, ends with a zero
+    quint32 horizontal, vertical, compressionTag, progressive; ///< SourceLayout
+    char compression[64];                                      ///< UTF-8, ends with a zero
 };
 
 struct AnnounceMessage {

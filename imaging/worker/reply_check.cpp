@@ -77,7 +77,9 @@ std::optional<ImageFacts> CheckFacts(const FactsMessage& said, qint64 fileBytes,
     if (!compression || said.width < 1 || said.height < 1 || !between(said.bits, 1, 4096)
         || !between(said.format, 0, 300) || !between(said.pages, 1, limits::kMaxPages)
         || !between(said.xResolution, 0, kMaxDotsPerInch)
-        || !between(said.yResolution, 0, kMaxDotsPerInch) || !between(said.orientation, 1, 8)) {
+        || !between(said.yResolution, 0, kMaxDotsPerInch) || !between(said.orientation, 1, 8)
+        || said.horizontal > 8 || said.vertical > 8 || said.compressionTag > 0xffff
+        || said.progressive > 1) {
         return {};
     }
     CheckSize(said.width, said.height, 0, format);
@@ -92,6 +94,8 @@ std::optional<ImageFacts> CheckFacts(const FactsMessage& said, qint64 fileBytes,
     facts.sizeDisk = fileBytes;
     facts.sizeMemory = RowBytes(said.width, said.bits) * said.height;
     facts.orientation = quint8(said.orientation);
+    facts.layout = {quint8(said.horizontal), quint8(said.vertical), quint16(said.compressionTag),
+                    said.progressive != 0};
     facts.compression = *compression;
     return facts;
 }

@@ -10,7 +10,7 @@ namespace quillane::worker {
 SharedMemory::~SharedMemory()
 {
     if (mData) {
-        ::munmap(const_cast<uchar*>(mData), size_t(kWindowBytes));
+        ::munmap(mData, size_t(kWindowBytes));
     }
 }
 
@@ -24,14 +24,15 @@ void SharedMemory::Make()
     const bool made = file.IsOpen() && ::ftruncate(file.Fd(), kWindowBytes) == 0
         && ::fallocate(file.Fd(), 0, 0, kWindowBytes) == 0
         && ::fcntl(file.Fd(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) == 0;
-    void* data = made ? ::mmap(nullptr, size_t(kWindowBytes), PROT_READ, MAP_SHARED, file.Fd(), 0)
-                      : MAP_FAILED;
+    void* data = made
+        ? ::mmap(nullptr, size_t(kWindowBytes), PROT_READ | PROT_WRITE, MAP_SHARED, file.Fd(), 0)
+        : MAP_FAILED;
     if (data == MAP_FAILED) {
         throw Failure(kFailureLimit,
                       QStringLiteral("There is not enough memory for this picture."));
     }
     mFile = std::move(file);
-    mData = static_cast<const uchar*>(data);
+    mData = static_cast<uchar*>(data);
 }
 
 } // namespace quillane::worker

@@ -4,9 +4,9 @@
 
 namespace quillane::worker {
 
-/// The window through which pixels come: a memory file that the decoding process writes and
-/// the program reads, its size sealed so that neither can cut it short under the other. Kept
-/// from picture to picture, because fresh pages cost more than small decodes.
+/// The window through which pixels come and go: a memory file that the decoding process and
+/// the program both write and read, its size sealed so that neither can cut it short under the
+/// other. Kept from picture to picture, because fresh pages cost more than small decodes.
 class SharedMemory {
 public:
     SharedMemory() = default;
@@ -18,11 +18,12 @@ public:
     void Make();
     bool IsMade() const { return mData != nullptr; }
     const uchar* Data() const { return mData; } ///< kWindowBytes of them
+    uchar* WritableData() { return mData; }
     int Descriptor() const { return mFile.Fd(); }
 
 private:
     FileHandle mFile;
-    const uchar* mData = nullptr;
+    uchar* mData = nullptr;
 };
 
 } // namespace quillane::worker

@@ -11,12 +11,6 @@ namespace quillane::worker {
 
 namespace {
 
-WorkerPool& ThePool()
-{
-    static WorkerPool pool;
-    return pool;
-}
-
 /// Copies the rows that became ready since the last call out of the window, which the process
 /// can write to at any time, into the picture, which it cannot reach.
 class RowCopier {
@@ -57,22 +51,22 @@ private:
 
 void Configure(const QString& program, int maxProcesses)
 {
-    ThePool().Configure(program, maxProcesses);
+    SharedPool().Configure(program, maxProcesses);
 }
 
 void WarmUp()
 {
-    ThePool().WarmUp();
+    SharedPool().WarmUp();
 }
 
 void Shutdown()
 {
-    ThePool().Shutdown();
+    SharedPool().Shutdown();
 }
 
 ImageFacts Probe(FileSource& source, const char* codecName)
 {
-    Exchange exchange(ThePool(), codecName, nullptr);
+    Exchange exchange(SharedPool(), codecName, nullptr);
     exchange.Ask(MessageKind::Probe, source.Fd(), source.Size(), 0, 0, 0, limits::kWorkerSeconds);
     if (exchange.Next() != MessageKind::Facts) {
         exchange.Lied();
@@ -88,7 +82,7 @@ ImageFacts Probe(FileSource& source, const char* codecName)
 
 Bitmap Decode(FileSource& source, const char* codecName, const DecodeRequest& request)
 {
-    Exchange exchange(ThePool(), codecName, request.cancelled);
+    Exchange exchange(SharedPool(), codecName, request.cancelled);
     exchange.Ask(MessageKind::Decode, source.Fd(), source.Size(), request.page,
                  request.atLeast.width(), request.atLeast.height(), limits::kWorkerDecodeSeconds);
     QByteArray profile;
@@ -135,7 +129,7 @@ Bitmap Decode(FileSource& source, const char* codecName, const DecodeRequest& re
 
 CommentSet Comments(FileSource& source, const char* codecName)
 {
-    Exchange exchange(ThePool(), codecName, nullptr);
+    Exchange exchange(SharedPool(), codecName, nullptr);
     exchange.Ask(MessageKind::Comments, source.Fd(), source.Size(), 0, 0, 0,
                  limits::kWorkerSeconds);
     CommentSet set;

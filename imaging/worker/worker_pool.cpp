@@ -160,4 +160,10 @@ void WorkerPool::Keep()
     }
 }
 
+WorkerPool& SharedPool()
+{
+    static WorkerPool pool;
+    return pool;
+}
+
 } // namespace quillane::worker

@@ -57,4 +57,7 @@ private:
     std::thread mKeeper;
 };
 
+/// The pool that the whole program uses.
+WorkerPool& SharedPool();
+
 } // namespace quillane::worker

@@ -7,13 +7,23 @@ namespace {
 class WorkerSandbox : public WorkerTest {
 protected:
     WorkerSandbox() : WorkerTest(kBadWorker, 1) { }
-    /// What came of an attempt: "refused", "allowed", or "killed".
+    /// What came of an attempt: "refused", "allowed", or "killed". The same while a file is read
+    /// and while one is written, or "one way only".
     QString Attempt(const char* what)
     {
         const QString path = Write(QStringLiteral("file"), "1 1");
-        QString outcome;
-        const Failure failure = FailureOf([&] { outcome = Comments(path, what).At(0).Text(); });
-        return failure.Number() == kFailureWorker ? QStringLiteral("killed") : outcome;
+        QString reading, writing;
+        const Failure failure = FailureOf([&] { reading = Comments(path, what).At(0).Text(); });
+        if (failure.Number() == kFailureWorker) {
+            reading = QStringLiteral("killed");
+        }
+        const Bitmap picture(QImage(3, 3, QImage::Format_RGB32), ColourModel::Rgb, 24);
+        const Failure written =
+            FailureOf([&] { writing = QString::fromLatin1(worker::Encode(picture, {}, what)); });
+        if (written.Number() == kFailureWorker) {
+            writing = QStringLiteral("killed");
+        }
+        return reading == writing ? reading : QStringLiteral("one way only");
     }
 };
 
@@ -35,6 +45,19 @@ TEST_F(WorkerSandbox, FilesCannotBeOpenedMadeOrLookedAt)
 TEST_F(WorkerSandbox, ThereIsNoNetwork)
 {
     EXPECT_EQ(Attempt("SOCKET"), kForDeadly);
+    EXPECT_EQ(Attempt("CONNECT"), kForDeadly);
+}
+
+#ifndef QUILLANE_SANITIZED
+TEST_F(WorkerSandbox, NothingIsWrittenButMessages)
+{
+    EXPECT_EQ(Attempt("WRITE"), QStringLiteral("refused"));
+}
+#endif
+
+TEST_F(WorkerSandbox, TheFileThatWasHandedOverCannotBeWrittenTo)
+{
+    EXPECT_EQ(Attempt("PWRITE"), QStringLiteral("refused"));
 }
 
 TEST_F(WorkerSandbox, ThereAreNoOtherProcesses)

@@ -188,6 +188,12 @@ ImageFacts TiffFacts(TiffFile& file, const TiffTags& tags)
     std::uint16_t orientation = ORIENTATION_TOPLEFT;
     TIFFGetFieldDefaulted(tiff, TIFFTAG_ORIENTATION, &orientation);
     facts.orientation = orientation >= 1 && orientation <= 8 ? quint8(orientation) : quint8(1);
+    facts.layout.compression = tags.compression;
+    if (tags.photometric == PHOTOMETRIC_YCBCR) {
+        constexpr std::uint16_t kMostSubsampling = 4;
+        facts.layout.horizontal = quint8(std::min(tags.subsamplingX, kMostSubsampling));
+        facts.layout.vertical = quint8(std::min(tags.subsamplingY, kMostSubsampling));
+    }
     facts.compression = CompressionWords(tags.compression);
     facts.sizeDisk = file.Source().Size();
     facts.sizeMemory = RowBytes(facts.width, facts.bits) * facts.height;

@@ -2,6 +2,7 @@
 #include "imaging/limits.h"
 #include "imaging/worker/socket_message.h"
 #include "imaging/worker_main/service/descriptor_source.h"
+#include "imaging/worker_main/service/encode_link.h"
 #include "imaging/worker_main/service/ring_sink.h"
 #include "imaging/worker_main/service/sandbox.h"
 #include "imaging/worker_main/service/worker_codec.h"
@@ -52,6 +53,10 @@ void ReplyFacts(quint64 ticket, const ImageFacts& facts)
     said.xResolution = std::clamp(facts.xResolution, 0, kMaxDotsPerInch);
     said.yResolution = std::clamp(facts.yResolution, 0, kMaxDotsPerInch);
     said.orientation = std::clamp<qint32>(facts.orientation, 1, 8);
+    said.horizontal = facts.layout.horizontal;
+    said.vertical = facts.layout.vertical;
+    said.compressionTag = facts.layout.compression;
+    said.progressive = facts.layout.progressive ? 1 : 0;
     const QByteArray compression = facts.compression.toUtf8();
     std::copy_n(compression.constData(),
                 std::min<qsizetype>(compression.size(), sizeof(said.compression) - 1),
@@ -110,26 +115,74 @@ void Work(const WorkerCodec& codec, const RequestMessage& request, DescriptorSou
     }
 }
 
-void Answer(const WorkerCodec& codec, const RequestMessage& request, DescriptorSource& source,
-            Window& window)
+/// Runs one request under its time limit; what it throws becomes a refusal in words.
+template <typename Run>
+void Answer(const char* codec, quint64 ticket, int seconds, const char* thing, Run&& run)
 {
-    const quint64 ticket = request.head.ticket;
-    const int seconds = request.head.kind == MessageKind::Decode ? limits::kWorkerDecodeSeconds
-                                                                 : limits::kWorkerSeconds;
     ::alarm(unsigned(seconds) + kSpareSeconds);
     try {
-        Work(codec, request, source, window);
+        run();
     } catch (const Failure& failure) {
         ReplyRefused(ticket, failure.Number(), failure.Description());
     } catch (const std::bad_alloc&) {
         ReplyRefused(ticket, kFailureLimit,
-                     QStringLiteral("This %1 file needs more memory than a picture may take.")
-                         .arg(codec.name));
+                     QStringLiteral("This %1 %2 needs more memory than a picture may take.")
+                         .arg(codec, thing));
     } catch (const std::exception&) {
         ReplyRefused(ticket, kFailureUnreadable,
-                     QStringLiteral("This %1 file is damaged.").arg(codec.name));
+                     QStringLiteral("This %1 %2 is damaged.").arg(codec, thing));
     }
     ::alarm(0);
+}
+
+const WorkerCodec* CodecOf(std::span<const WorkerCodec> codecs, char* name, size_t room)
+{
+    name[room - 1] = '\0';
+    const auto codec = std::find_if(codecs.begin(), codecs.end(), [&](const WorkerCodec& one) {
+        return qstricmp(one.name, name) == 0;
+    });
+    return codec == codecs.end() ? nullptr : &*codec;
+}
+
+void AnswerReading(std::span<const WorkerCodec> codecs, RequestMessage& request, FileHandle file,
+                   Window& window)
+{
+    const WorkerCodec* codec = CodecOf(codecs, request.codec, sizeof(request.codec));
+    const quint64 ticket = request.head.ticket;
+    if (!codec || !codec->probe || !codec->decode || !file.IsOpen()) {
+        ReplyRefused(ticket, kFailureUnreadable,
+                     QStringLiteral("This file is of a kind that this program does not "
+                                    "decode."));
+        return;
+    }
+    DescriptorSource source(std::move(file), request.fileBytes);
+    const int seconds = request.head.kind == MessageKind::Decode ? limits::kWorkerDecodeSeconds
+                                                                 : limits::kWorkerSeconds;
+    Answer(codec->name, ticket, seconds, "file", [&] { Work(*codec, request, source, window); });
+}
+
+void AnswerEncoding(std::span<const WorkerCodec> codecs, EncodeMessage& request, FileHandle file,
+                    Window& window)
+{
+    const WorkerCodec* codec = CodecOf(codecs, request.codec, sizeof(request.codec));
+    const quint64 ticket = request.head.ticket;
+    EncodeLink link(window, request);
+    if (!codec || !codec->encode) {
+        ReplyRefused(ticket, kFailureGeneral,
+                     QStringLiteral("Pictures of the kind %1 cannot be written.")
+                         .arg(QString::fromLatin1(request.codec)));
+        return;
+    }
+    const int seconds = EncodeSeconds(request.width, request.height, request.originalBytes);
+    Answer(codec->name, ticket, seconds, "picture", [&] {
+        DescriptorSource original(std::move(file), std::max<qint64>(0, request.originalBytes));
+        EncodeWish wish;
+        wish.original = request.originalBytes >= 0 ? &original : nullptr;
+        link.Begin(wish);
+        codec->encode(link, wish, link);
+        link.Finish();
+        ReplyDone(ticket, false);
+    });
 }
 
 } // namespace
@@ -149,28 +202,27 @@ int Serve(std::span<const WorkerCodec> codecs)
 
     Window window;
     for (;;) {
-        RequestMessage request{};
-        Packet packet = ReceivePacket(kSocketDescriptor, &request, sizeof(request));
+        union {
+            MessageHead head;
+            RequestMessage reading;
+            EncodeMessage encoding;
+        } said{};
+        Packet packet = ReceivePacket(kSocketDescriptor, &said, sizeof(said));
         if (packet.bytes <= 0) {
             ::_exit(0); // nothing to tidy up, and the tools that would look after it are locked out
         }
-        const MessageKind kind = request.head.kind;
-        if (kind != MessageKind::Probe && kind != MessageKind::Decode
-            && kind != MessageKind::Comments) {
-            continue; // what was said about a request that has ended
+        switch (said.head.kind) {
+        case MessageKind::Probe:
+        case MessageKind::Decode:
+        case MessageKind::Comments:
+            AnswerReading(codecs, said.reading, std::move(packet.descriptor), window);
+            break;
+        case MessageKind::Encode:
+            AnswerEncoding(codecs, said.encoding, std::move(packet.descriptor), window);
+            break;
+        default:
+            break; // what was said about a request that has ended
         }
-        request.codec[sizeof(request.codec) - 1] = '\0';
-        const auto codec = std::find_if(codecs.begin(), codecs.end(), [&](const WorkerCodec& one) {
-            return qstricmp(one.name, request.codec) == 0;
-        });
-        if (codec == codecs.end() || !packet.descriptor.IsOpen()) {
-            ReplyRefused(request.head.ticket, kFailureUnreadable,
-                         QStringLiteral("This file is of a kind that this program does not "
-                                        "decode."));
-            continue;
-        }
-        DescriptorSource source(std::move(packet.descriptor), request.fileBytes);
-        Answer(*codec, request, source, window);
     }
 }
 

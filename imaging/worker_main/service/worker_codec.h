@@ -1,5 +1,5 @@
 #pragma once
-// What a decoder inside the decoding process looks like.
+// What a decoder and an encoder inside the decoding process look like.
 #include "imaging/byte_source.h"
 #include "imaging/image_facts.h"
 #include "imaging/worker/protocol.h"
@@ -37,6 +37,46 @@ public:
     virtual uchar* NextRow() = 0;
 };
 
+/// The picture that an encoder gets: its rows from the top, one after the other.
+class PictureRows {
+public:
+    virtual ~PictureRows() = default;
+    /// Width 0: there is no picture, the original's pixels stay.
+    virtual const PictureShape& Shape() const = 0;
+    /// The next row in the shape's layout, valid until the next call. Failure kFailureGeneral
+    /// behind the last one.
+    virtual const uchar* NextRow() = 0;
+};
+
+/// Where an encoder puts its file.
+class FileSink {
+public:
+    virtual ~FileSink() = default;
+    /// Writes at a place that lies in what is written already, at its end, or a few bytes
+    /// behind it (which are then zeros). Failure kFailureLimit beyond limits::kMaxEncodedBytes.
+    virtual void WriteAt(qint64 position, const void* bytes, qint64 count) = 0;
+    virtual qint64 Size() const = 0;
+    void Append(const void* bytes, qint64 count) { WriteAt(Size(), bytes, count); }
+};
+
+/// A comment slot that changes in a file that is written anew.
+struct TextChange {
+    qint16 slot;
+    QByteArray utf8; ///< empty: the field goes
+};
+
+/// How a file is wanted; EncodeRequest says what the numbers mean.
+struct EncodeWish {
+    qint16 format = 0;
+    qint32 bits = 0; ///< per pixel in the file; 0: those of the picture
+    qint32 quality = 2;
+    qint32 xResolution = 0, yResolution = 0;
+    SourceLayout layout;
+    /// The file that the new one replaces, all of which stays that nobody changes; may be null.
+    ByteSource* original = nullptr;
+    std::vector<TextChange> texts;
+};
+
 using TextVisitor = std::function<void(qint16 slot, const QByteArray& utf8)>;
 
 /// One format. Damaged content is a Failure that names it.
@@ -49,6 +89,9 @@ struct WorkerCodec {
     bool (*decode)(ByteSource& source, const PictureWish& wish, PictureSink& sink);
     /// Comment slots as text; may be null.
     void (*comments)(ByteSource& source, const TextVisitor& visit);
+    /// Writes the whole file, after it has taken every row; may be null. The picture's profile
+    /// is the one to embed. A variant that it cannot write is a Failure kFailureGeneral.
+    void (*encode)(PictureRows& picture, const EncodeWish& wish, FileSink& file) = nullptr;
 };
 
 /// Serves requests on kSocketDescriptor; ends the process when the other end closes. Returns

@@ -3,6 +3,7 @@
 #include "core/failure.h"
 #include "imaging/worker/socket_message.h"
 #include "imaging/worker_main/service/worker_codec.h"
+#include <algorithm>
 #include <arpa/inet.h>
 #include <cerrno>
 #include <csignal>
@@ -395,23 +396,196 @@ void TellWrongSlot(ByteSource&, const TextVisitor& visit)
     visit(1000, "nowhere");
 }
 
+// Encoders. An honest one first: what it got, as text and bytes.
+void EncodeEcho(PictureRows& picture, const EncodeWish& wish, FileSink& file)
+{
+    ++ticket;
+    const PictureShape& shape = picture.Shape();
+    QByteArray head = QByteArray::number(shape.width) + ' ' + QByteArray::number(shape.height) + ' '
+        + QByteArray::number(int(shape.layout)) + ' ' + QByteArray::number(shape.fileDepth) + ' '
+        + QByteArray::number(int(shape.colours.size())) + ' ' + QByteArray::number(wish.format)
+        + ' ' + QByteArray::number(wish.bits) + ' ' + QByteArray::number(wish.quality) + ' '
+        + QByteArray::number(wish.xResolution) + ' ' + QByteArray::number(wish.yResolution) + ' '
+        + QByteArray::number(wish.layout.horizontal) + ' '
+        + QByteArray::number(wish.layout.vertical) + ' '
+        + QByteArray::number(wish.layout.compression) + ' '
+        + QByteArray::number(int(wish.layout.progressive)) + ' '
+        + QByteArray::number(shape.profile.size()) + '\n';
+    if (wish.original) {
+        QByteArray original(wish.original->Size(), '\0');
+        wish.original->ReadAt(0, original.data(), original.size());
+        head += original + '\n';
+    }
+    for (const TextChange& change : wish.texts) {
+        head += QByteArray::number(change.slot) + '=' + change.utf8 + '\n';
+    }
+    head += shape.profile;
+    // The beginning comes last, as encoders that patch their head do it.
+    constexpr qint64 kLate = 4;
+    file.Append("....", kLate);
+    file.Append(head.constData() + kLate, head.size() - kLate);
+    const qint64 rowBytes = RowBytes(shape.width, BitsOf(shape.layout));
+    for (qint32 y = 0; y < shape.height; ++y) {
+        file.Append(picture.NextRow(), rowBytes);
+    }
+    file.WriteAt(0, head.constData(), kLate);
+}
+void EncodeCrash(PictureRows& picture, const EncodeWish&, FileSink&)
+{
+    ++ticket;
+    picture.NextRow();
+    ::raise(SIGKILL);
+}
+void EncodeHang(PictureRows& picture, const EncodeWish&, FileSink&)
+{
+    ++ticket;
+    picture.NextRow();
+    Forever();
+}
+void EncodeExit(PictureRows&, const EncodeWish&, FileSink&)
+{
+    ::_exit(0);
+}
+void EncodeNothing(PictureRows&, const EncodeWish&, FileSink&)
+{
+    ++ticket;
+}
+void EncodeThrows(PictureRows&, const EncodeWish&, FileSink&)
+{
+    ++ticket;
+    throw std::bad_alloc();
+}
+void EncodeGreedily(PictureRows& picture, const EncodeWish&, FileSink&)
+{
+    ++ticket;
+    for (;;) {
+        picture.NextRow();
+    }
+}
+void EncodeEndlessly(PictureRows&, const EncodeWish&, FileSink& file)
+{
+    ++ticket;
+    static char zeros[1 << 20];
+    for (;;) {
+        file.Append(zeros, sizeof(zeros));
+    }
+}
+void EncodeFarAway(PictureRows&, const EncodeWish&, FileSink& file)
+{
+    ++ticket;
+    file.WriteAt(kMaxOutputGap + 1, "x", 1);
+}
+template <Lie lie> void LyingEncode(PictureRows&, const EncodeWish&, FileSink&)
+{
+    ++ticket;
+    lie();
+    Forever();
+}
+void SayOutput(qint64 position, qint32 count)
+{
+    SendRaw(OutputMessage{{}, position, count}, MessageKind::Output);
+}
+void OutputBeyondSlot()
+{
+    SayOutput(0, qint32(kOutputSlotBytes + 1));
+}
+void OutputNegative()
+{
+    SayOutput(0, -1);
+}
+void OutputBeforeFile()
+{
+    SayOutput(-1, 1);
+}
+void OutputBehindHole()
+{
+    SayOutput(1 << 20, 1);
+}
+void OutputFarBehind()
+{
+    SayOutput(0x7fffffffffffffff, 16);
+}
+void TakeTooMuch()
+{
+    SendRaw(TakenMessage{{}, 1'000'000}, MessageKind::Taken);
+}
+void TakeLess()
+{
+    SendRaw(TakenMessage{{}, -1}, MessageKind::Taken);
+}
+void SayDoneAtOnce()
+{
+    SendRaw(DoneMessage{{}, 0}, MessageKind::Done);
+}
+/// What came of an attempt to break out while encoding, as the file's content.
+template <int (*attempt)()> void TryOutEncoding(PictureRows&, const EncodeWish&, FileSink& file)
+{
+    ++ticket;
+    const QByteArray outcome = attempt() < 0 ? "refused" : "allowed";
+    file.Append(outcome.constData(), outcome.size());
+}
+int TryConnect()
+{
+    // Its own end of the socket is the only one it has.
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(80);
+    return ::connect(kSocketDescriptor, reinterpret_cast<const sockaddr*>(&address),
+                     sizeof(address));
+}
+int TryWriting()
+{
+    int most = -1;
+    for (int fd = 0; fd < 16; ++fd) {
+        if (fd != STDERR_FILENO) {
+            most = std::max(most, int(::write(fd, "x", 1)));
+        }
+    }
+    return most;
+}
+int TryPwrite()
+{
+    return int(::pwrite(kSocketDescriptor + 1, "x", 1, 0));
+}
+
 constexpr WorkerCodec kBadCodecs[] = {
-    {"ECHO", nullptr, ProbeEcho, DecodeEcho, TellText},
-    {"CRASH", nullptr, ProbeCrash, DecodeCrash, nullptr},
-    {"HANG", nullptr, ProbeHang, DecodeHang, nullptr},
-    {"EXIT", nullptr, ProbeExit, DecodeSlow, nullptr},
-    {"SHORT", nullptr, ProbeEcho, DecodeShort, nullptr},
-    {"THROW", nullptr, ProbeEcho, DecodeThrows, nullptr},
-    {"GARBAGE", nullptr, LyingProbe<SayGarbage>, LyingDecode<SayGarbage>, nullptr},
-    {"MUCH", nullptr, LyingProbe<SayTooMuch>, LyingDecode<SayTooMuch>, nullptr},
-    {"LITTLE", nullptr, LyingProbe<SayLittle>, LyingDecode<SayLittle>, nullptr},
-    {"TICKET", nullptr, LyingProbe<SayOldTicket>, LyingDecode<SayOldTicket>, nullptr},
+    {"ECHO", nullptr, ProbeEcho, DecodeEcho, TellText, EncodeEcho},
+    {"CRASH", nullptr, ProbeCrash, DecodeCrash, nullptr, EncodeCrash},
+    {"HANG", nullptr, ProbeHang, DecodeHang, nullptr, EncodeHang},
+    {"EXIT", nullptr, ProbeExit, DecodeSlow, nullptr, EncodeExit},
+    {"SHORT", nullptr, ProbeEcho, DecodeShort, nullptr, EncodeNothing},
+    {"THROW", nullptr, ProbeEcho, DecodeThrows, nullptr, EncodeThrows},
+    {"GREEDY", nullptr, ProbeEcho, DecodeEcho, nullptr, EncodeGreedily},
+    {"LARGE", nullptr, ProbeEcho, DecodeEcho, nullptr, EncodeEndlessly},
+    {"FAR", nullptr, ProbeEcho, DecodeEcho, nullptr, EncodeFarAway},
+    {"SLOTSIZE", nullptr, ProbeEcho, DecodeEcho, nullptr, LyingEncode<OutputBeyondSlot>},
+    {"MINUS", nullptr, ProbeEcho, DecodeEcho, nullptr, LyingEncode<OutputNegative>},
+    {"BEFORE", nullptr, ProbeEcho, DecodeEcho, nullptr, LyingEncode<OutputBeforeFile>},
+    {"HOLE", nullptr, ProbeEcho, DecodeEcho, nullptr, LyingEncode<OutputBehindHole>},
+    {"BEHIND", nullptr, ProbeEcho, DecodeEcho, nullptr, LyingEncode<OutputFarBehind>},
+    {"TOOK", nullptr, ProbeEcho, DecodeEcho, nullptr, LyingEncode<TakeTooMuch>},
+    {"TOOKLESS", nullptr, ProbeEcho, DecodeEcho, nullptr, LyingEncode<TakeLess>},
+    {"DONE", nullptr, ProbeEcho, DecodeEcho, nullptr, LyingEncode<SayDoneAtOnce>},
+    {"CONNECT", nullptr, ProbeEcho, DecodeEcho, TryOut<TryConnect>, TryOutEncoding<TryConnect>},
+    {"WRITE", nullptr, ProbeEcho, DecodeEcho, TryOut<TryWriting>, TryOutEncoding<TryWriting>},
+    {"PWRITE", nullptr, ProbeEcho, DecodeEcho, TryOut<TryPwrite>, TryOutEncoding<TryPwrite>},
+    {"GARBAGE", nullptr, LyingProbe<SayGarbage>, LyingDecode<SayGarbage>, nullptr,
+     LyingEncode<SayGarbage>},
+    {"MUCH", nullptr, LyingProbe<SayTooMuch>, LyingDecode<SayTooMuch>, nullptr,
+     LyingEncode<SayTooMuch>},
+    {"LITTLE", nullptr, LyingProbe<SayLittle>, LyingDecode<SayLittle>, nullptr,
+     LyingEncode<SayLittle>},
+    {"TICKET", nullptr, LyingProbe<SayOldTicket>, LyingDecode<SayOldTicket>, nullptr,
+     LyingEncode<SayOldTicket>},
     {"KIND", nullptr, LyingProbe<SayWrongKind>, LyingDecode<SayNegativeFacts>, nullptr},
-    {"DESCRIPTOR", nullptr, LyingProbe<SendDescriptor>, LyingDecode<SendDescriptor>, nullptr},
+    {"DESCRIPTOR", nullptr, LyingProbe<SendDescriptor>, LyingDecode<SendDescriptor>, nullptr,
+     LyingEncode<SendDescriptor>},
     {"NEGATIVE", nullptr, LyingProbe<SayNegativeFacts>, LyingDecode<AnnounceNegative>, nullptr},
     {"ENDLESS", nullptr, LyingProbe<SayEndlessText>, LyingDecode<SendEndlessProfile>, nullptr},
-    {"NUMBER", nullptr, LyingProbe<RefuseStrangely>, LyingDecode<RefuseStrangely>, nullptr},
-    {"WORDS", nullptr, LyingProbe<RefuseEndlessly>, LyingDecode<RefuseEndlessly>, nullptr},
+    {"NUMBER", nullptr, LyingProbe<RefuseStrangely>, LyingDecode<RefuseStrangely>, nullptr,
+     LyingEncode<RefuseStrangely>},
+    {"WORDS", nullptr, LyingProbe<RefuseEndlessly>, LyingDecode<RefuseEndlessly>, nullptr,
+     LyingEncode<RefuseEndlessly>},
     {"HUGE", nullptr, ProbeEcho, LyingDecode<AnnounceHuge>, nullptr},
     {"LAYOUT", nullptr, ProbeEcho, LyingDecode<AnnounceLayout>, nullptr},
     {"COLOURS", nullptr, ProbeEcho, LyingDecode<AnnounceColours>, nullptr},
@@ -420,17 +594,20 @@ constexpr WorkerCodec kBadCodecs[] = {
     {"WINDOW", nullptr, ProbeEcho, LyingDecode<ClaimBeyondWindow>, nullptr},
     {"OFTEN", nullptr, ProbeEcho, DecodeEcho, TellTooOften},
     {"SLOT", nullptr, ProbeEcho, DecodeEcho, TellWrongSlot},
-    {"OPEN", nullptr, ProbeEcho, DecodeEcho, TryOut<TryOpen>},
-    {"CREATE", nullptr, ProbeEcho, DecodeEcho, TryOut<TryCreate>},
-    {"STAT", nullptr, ProbeEcho, DecodeEcho, TryOut<TryStat>},
-    {"SOCKET", nullptr, ProbeEcho, DecodeEcho, TryOut<TrySocket>},
-    {"EXECVE", nullptr, ProbeEcho, DecodeEcho, TryOut<TryExecve>},
-    {"FORK", nullptr, ProbeEcho, DecodeEcho, TryOut<TryFork>},
-    {"TRACE", nullptr, ProbeEcho, DecodeEcho, TryOut<TryTrace>},
-    {"KILL", nullptr, ProbeEcho, DecodeEcho, TryOut<TryKill>},
-    {"EXECMEMORY", nullptr, ProbeEcho, DecodeEcho, TryOut<TryExecutableMemory>},
-    {"MEMORY", nullptr, ProbeEcho, DecodeEcho, TryOut<TryMuchMemory>},
-    {"TRUNCATE", nullptr, ProbeEcho, DecodeEcho, TryOut<TryTruncatingTheWindow>},
+    {"OPEN", nullptr, ProbeEcho, DecodeEcho, TryOut<TryOpen>, TryOutEncoding<TryOpen>},
+    {"CREATE", nullptr, ProbeEcho, DecodeEcho, TryOut<TryCreate>, TryOutEncoding<TryCreate>},
+    {"STAT", nullptr, ProbeEcho, DecodeEcho, TryOut<TryStat>, TryOutEncoding<TryStat>},
+    {"SOCKET", nullptr, ProbeEcho, DecodeEcho, TryOut<TrySocket>, TryOutEncoding<TrySocket>},
+    {"EXECVE", nullptr, ProbeEcho, DecodeEcho, TryOut<TryExecve>, TryOutEncoding<TryExecve>},
+    {"FORK", nullptr, ProbeEcho, DecodeEcho, TryOut<TryFork>, TryOutEncoding<TryFork>},
+    {"TRACE", nullptr, ProbeEcho, DecodeEcho, TryOut<TryTrace>, TryOutEncoding<TryTrace>},
+    {"KILL", nullptr, ProbeEcho, DecodeEcho, TryOut<TryKill>, TryOutEncoding<TryKill>},
+    {"EXECMEMORY", nullptr, ProbeEcho, DecodeEcho, TryOut<TryExecutableMemory>,
+     TryOutEncoding<TryExecutableMemory>},
+    {"MEMORY", nullptr, ProbeEcho, DecodeEcho, TryOut<TryMuchMemory>,
+     TryOutEncoding<TryMuchMemory>},
+    {"TRUNCATE", nullptr, ProbeEcho, DecodeEcho, TryOut<TryTruncatingTheWindow>,
+     TryOutEncoding<TryTruncatingTheWindow>},
 };
 
 } // namespace
