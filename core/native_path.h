@@ -60,10 +60,7 @@ struct WriteOptions {
     quint32 newFileMode = 0666; ///< permission bits of a file that was not there, less the umask
     bool sync = true;           ///< wait for the disk; off for what can be made again, like a cache
 };
-/// Writes content to a temporary file beside path, syncs it and renames it over path, keeping
-/// the permissions of a file that was there. Behind a symbolic link the target is replaced.
-/// A Failure (kFailureNoFile, kFailureDenied, kFailureIo) leaves the old file as it was; a file
-/// without write permission is refused, and so is what is no regular file.
+/// SaveAtomically (core/atomic_save.h) for content that needs nothing but to be written.
 void WriteWholeFile(const QString& path, const QByteArray& content,
                     const WriteOptions& options = {});
 

@@ -41,6 +41,8 @@ QString ReasonOfErrno(int error)
     case ENOSPC:
     case EDQUOT:
         return QStringLiteral("the disk is full");
+    case EFBIG:
+        return QStringLiteral("the disk takes no file of that size");
     case ELOOP:
         return QStringLiteral("its links lead in a circle");
     case EMFILE:
