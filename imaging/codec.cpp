@@ -15,6 +15,7 @@ constexpr Codec kCodecTable[] = {
     {"DICOM", "DIC DCM", codecs::DicomMatches, nullptr, nullptr, true},
     {"TIFF", "TIF TIFF", codecs::TiffMatches, nullptr, nullptr, true},
     {"WMF", "WMF", codecs::WmfMatches, codecs::WmfProbe, codecs::WmfDecode, false},
+    {"EMF", "EMF", codecs::EmfMatches, codecs::EmfProbe, codecs::EmfDecode, false},
     {"BMP", "BMP DIB RLE", codecs::BmpMatches, codecs::BmpProbe, codecs::BmpDecode, false},
     {"ICO", "ICO CUR", codecs::IcoMatches, codecs::IcoProbe, codecs::IcoDecode, false},
     {"PNM", "PBM PGM PPM PNM", codecs::PnmMatches, codecs::PnmProbe, codecs::PnmDecode, false},

@@ -53,6 +53,13 @@ ImageFacts WmfProbe(ByteSource& source);
 /// Codec::decode of the same.
 Bitmap WmfDecode(ByteSource& source, const DecodeRequest& request);
 
+/// Codec::matches of enhanced metafiles.
+bool EmfMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts EmfProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap EmfDecode(ByteSource& source, const DecodeRequest& request);
+
 /// Codec::matches of TIFF and BigTIFF in either byte order.
 bool TiffMatches(QByteArrayView head, QStringView extension);
 /// Codec::matches of DICOM, with its preamble or, by the extension, without.

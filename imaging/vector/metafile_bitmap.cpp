@@ -53,7 +53,8 @@ QImage MetafileBitmaps::Wrapped(const QByteArray& bytes)
     return (jpeg ? codecs::JpegDecode(source, {}) : codecs::PngDecode(source, {})).ToDisplay();
 }
 
-QImage MetafileBitmaps::Unpacked(const QByteArray& header, const QByteArray& pixels)
+QImage MetafileBitmaps::Unpacked(const QByteArray& header, const QByteArray& pixels,
+                                 bool premultiplied)
 {
     MemorySource source(header);
     codecs::DibHeader dib = codecs::ReadDibHeader(source, 0, kMetafileBitmapName);
@@ -63,6 +64,10 @@ QImage MetafileBitmaps::Unpacked(const QByteArray& header, const QByteArray& pix
     if (stored <= 0 || (!packed && dib.RowBytes() * dib.height / 2 > stored)
         || (packed && dib.width * dib.height / 4096 > stored) || !Spend(dib.width, dib.height)) {
         return {};
+    }
+    premultiplied = premultiplied && dib.bits == 32 && !packed;
+    if (premultiplied) {
+        dib.masks[3] = 0xff000000;
     }
     const bool alpha = dib.bits > 8 && dib.masks[3] != 0;
     QImage image = codecs::NewImage(kMetafileBitmapName, dib.width, dib.height,
@@ -79,7 +84,11 @@ QImage MetafileBitmaps::Unpacked(const QByteArray& header, const QByteArray& pix
         codecs::DecodeDibRuns(stream, dib, image, {});
         return image;
     }
-    return MetafileRows(stream, dib, std::move(image));
+    image = MetafileRows(stream, dib, std::move(image));
+    if (premultiplied) {
+        image.reinterpretAsFormat(QImage::Format_ARGB32_Premultiplied);
+    }
+    return image;
 }
 
 QImage MetafileBitmaps::Independent(QByteArrayView header, QByteArrayView pixels)
@@ -99,8 +108,15 @@ QImage MetafileBitmaps::Independent(QByteArrayView header, QByteArrayView pixels
                 return;
             }
         }
-        image = Unpacked(bytes(header), bytes(pixels));
+        image = Unpacked(bytes(header), bytes(pixels), false);
     });
+    return image;
+}
+
+QImage MetafileBitmaps::Premultiplied(QByteArrayView header, QByteArrayView pixels)
+{
+    QImage image;
+    ResumeNext([&] { image = Unpacked(header.toByteArray(), pixels.toByteArray(), true); });
     return image;
 }
 

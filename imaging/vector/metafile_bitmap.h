@@ -11,6 +11,9 @@ public:
     /// in `pixels`, or behind the colours where `pixels` is empty. A wrapped JPEG or PNG is
     /// decoded. Null when there is none that can be read, or too many pixels.
     QImage Independent(QByteArrayView header, QByteArrayView pixels = {});
+    /// The same of 32 bits, whose highest byte is how much of it is seen and whose colours are
+    /// already multiplied by that; other pictures as they are.
+    QImage Premultiplied(QByteArrayView header, QByteArrayView pixels);
     /// The picture of an old device-dependent bitmap of 1, 24 or 32 bits; of one bit in two
     /// colours.
     QImage Device(QByteArrayView bytes, QRgb zero, QRgb one);
@@ -23,7 +26,7 @@ public:
 private:
     bool Spend(qint64 width, qint64 height);
     QImage Wrapped(const QByteArray& bytes);
-    QImage Unpacked(const QByteArray& header, const QByteArray& pixels);
+    QImage Unpacked(const QByteArray& header, const QByteArray& pixels, bool premultiplied);
     qint64 mLeft = kMostOfAll;
     bool mCutShort = false;
 };

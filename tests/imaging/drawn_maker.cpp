@@ -64,6 +64,50 @@ QByteArray WmfMaker::Placeable(QRect box, int unitsPerInch) const
     return head + Little(sum, 2) + Plain();
 }
 
+EmfMaker& EmfMaker::Add(int type, std::initializer_list<int> numbers, const QByteArray& more)
+{
+    QByteArray body;
+    for (const int number : numbers) {
+        body += Little(quint32(number), 4);
+    }
+    body += more;
+    body += QByteArray((4 - body.size() % 4) % 4, '\0');
+    mRecords += Little(quint32(type), 4) + Little(quint32(8 + body.size()), 4) + body;
+    ++mCount;
+    return *this;
+}
+
+EmfMaker& EmfMaker::AddBoxed(int type, std::initializer_list<int> numbers, const QByteArray& more)
+{
+    QByteArray body(16, '\0');
+    for (const int number : numbers) {
+        body += Little(quint32(number), 4);
+    }
+    return Add(type, {}, body + more);
+}
+
+EmfMaker& EmfMaker::Brush(int colour, int style, int hatch)
+{
+    return Add(39, {1, style, colour, hatch}).Add(37, {1});
+}
+
+EmfMaker& EmfMaker::Pen(int colour, int width, int style)
+{
+    return Add(38, {2, style, width, 0, colour}).Add(37, {2});
+}
+
+QByteArray EmfMaker::Bytes(int width, int height) const
+{
+    // The device has 960 units on 254 millimetres, the frame counts hundredths of those.
+    QByteArray head = Little(1, 4) + Little(88, 4) + Little(0, 4) + Little(0, 4)
+        + Little(quint32(width - 1), 4) + Little(quint32(height - 1), 4) + Little(0, 8)
+        + Little(quint32(width * 25400 / 960), 4) + Little(quint32(height * 25400 / 960), 4)
+        + Little(0x464d4520, 4) + Little(0x10000, 4) + Little(quint32(mRecords.size() + 108), 4)
+        + Little(quint32(mCount + 2), 4) + Little(8, 4) + Little(0, 8) + Little(0, 4)
+        + Little(960, 4) + Little(960, 4) + Little(254, 4) + Little(254, 4);
+    return head + mRecords + Little(14, 4) + Little(20, 4) + Little(0, 8) + Little(20, 4);
+}
+
 QByteArray MakeDib(int width, int height)
 {
     QByteArray dib = Little(40, 4) + Little(quint32(width), 4) + Little(quint32(height), 4)
@@ -96,6 +140,18 @@ QMap<QString, QByteArray> MadeDrawings()
     wmf.Add(0x0940, {0x46, 0x66, 0, 0, 6, 8, 100, 300}, MakeDib(8, 6));
     wmf.Add(0x0142, {5, 0}, MakeDib(8, 8)).Add(0x012d, {4}).Rectangle(300, 150, 390, 190);
     files.insert("made.wmf", wmf.Plain());
+    EmfMaker emf;
+    emf.Brush(0x0000ff).Pen(0xff0000, 5).Add(43, {20, 20, 200, 150}).Add(33).Brush(0xff00, 2, 3);
+    emf.Add(35, {0x3f800000, 0x3e800000, 0, 0x3f000000, 0, 0}).Add(42, {200, 100, 300, 190});
+    emf.Add(59).Add(27, {10, 10}).AddBoxed(88, {3, 0x00200040, 0x00400020, 0x00500050});
+    emf.Add(61).Add(60).Add(67, {1}).Add(34, {-1}).AddBoxed(63, {});
+    emf.AddBoxed(91, {2, 7, 3, 4}, QByteArray("\0\0\0\0\x40\0\0\0\x20\0\x30\0", 12).repeated(3));
+    emf.Add(82, {1, -20, 0, 300, 0, 700, 0, 0}, QByteArray("A\0r\0i\0a\0l\0\0\0", 12));
+    emf.Add(37, {1}).AddBoxed(84, {1, 0, 0, 20, 150, 2, 76, 2, 0, 0, 90, 90, 80},
+                              QByteArray("H\0i\0\x14\0\0\0\x14\0\0\0", 12));
+    emf.AddBoxed(81, {10, 10, 0, 0, 8, 6, 80, 40, 120, 144, 0, 0xcc0020, 80, 60}, MakeDib(8, 6));
+    emf.AddBoxed(118, {2, 1, 0, 0, 0, 0, 0, 60, 40, -1, -1, 0, 1});
+    files.insert("made.emf", emf.Bytes(320, 200));
     files.insert("made placeable.wmf", wmf.Placeable(QRect(0, 0, 400, 300), 200));
     return files;
 }

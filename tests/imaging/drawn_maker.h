@@ -27,6 +27,23 @@ private:
     int mObjects = 0;
 };
 
+/// An enhanced metafile of `width` by `height` device units, 96 of them to the inch.
+class EmfMaker {
+public:
+    /// A record with 32-bit numbers, then bytes.
+    EmfMaker& Add(int type, std::initializer_list<int> numbers = {}, const QByteArray& more = {});
+    /// A drawing record that begins with a box that is not looked at.
+    EmfMaker& AddBoxed(int type, std::initializer_list<int> numbers, const QByteArray& more = {});
+    /// A brush as object 1 and a pen as object 2, selected. Style 5 draws no line.
+    EmfMaker& Brush(int colour, int style = 0, int hatch = 0);
+    EmfMaker& Pen(int colour, int width, int style = 0);
+    QByteArray Bytes(int width, int height) const;
+
+private:
+    QByteArray mRecords;
+    int mCount = 0;
+};
+
 /// A device-independent bitmap of 24 bits: header and pixels, pixel (x, y) as PlaceColour tells.
 QByteArray MakeDib(int width, int height);
 
