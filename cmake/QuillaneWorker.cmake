@@ -9,6 +9,9 @@ add_library(quillane_worker STATIC ${worker_library_sources})
 # Only the headers of quillane_imaging are used here: its libraries would take longer to load
 # than a small picture takes to decode.
 target_include_directories(quillane_worker PUBLIC ${CMAKE_BINARY_DIR}/roots/quillane_imaging)
+# The same for Qt's pictures: headers that name them, and nothing that is linked.
+target_include_directories(quillane_worker SYSTEM PRIVATE
+  $<TARGET_PROPERTY:Qt6::Gui,INTERFACE_INCLUDE_DIRECTORIES>)
 target_link_libraries(quillane_worker
   PUBLIC quillane_core
   PRIVATE quillane_options PkgConfig::Tiff PkgConfig::Seccomp)

@@ -13,7 +13,7 @@ constexpr Codec kCodecTable[] = {
     {"PNG", "PNG", codecs::PngMatches, codecs::PngProbe, codecs::PngDecode, false},
     {"GIF", "GIF", codecs::GifMatches, codecs::GifProbe, codecs::GifDecode, false},
     {"DICOM", "DIC DCM", codecs::DicomMatches, nullptr, nullptr, true},
-    {"TIFF", "TIF TIFF", codecs::TiffMatches, nullptr, nullptr, true},
+    {"TIFF", "TIF TIFF", codecs::TiffMatches, nullptr, nullptr, true, nullptr, true},
     {"WMF", "WMF", codecs::WmfMatches, codecs::WmfProbe, codecs::WmfDecode, false},
     {"EMF", "EMF", codecs::EmfMatches, codecs::EmfProbe, codecs::EmfDecode, false},
     {"BMP", "BMP DIB RLE", codecs::BmpMatches, codecs::BmpProbe, codecs::BmpDecode, false},

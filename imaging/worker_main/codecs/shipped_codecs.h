@@ -6,6 +6,7 @@ namespace quillane::worker {
 /// TIFF, through libtiff. See WorkerCodec for the functions' words.
 ImageFacts ProbeTiff(ByteSource& source);
 bool DecodeTiff(ByteSource& source, const PictureWish& wish, PictureSink& sink);
+void EncodeTiff(PictureRows& picture, const EncodeWish& wish, FileSink& file);
 
 /// DICOM, through DCMTK.
 void PrepareDicom();
@@ -15,7 +16,7 @@ void ReadDicomComments(ByteSource& source, const TextVisitor& visit);
 
 /// What the shipped decoding process serves.
 inline constexpr WorkerCodec kShippedCodecs[] = {
-    {"TIFF", nullptr, ProbeTiff, DecodeTiff, nullptr},
+    {"TIFF", nullptr, ProbeTiff, DecodeTiff, nullptr, EncodeTiff},
     {"DICOM", PrepareDicom, ProbeDicom, DecodeDicom, ReadDicomComments},
 };
 
