@@ -18,7 +18,7 @@ enum class SampleKind : quint8 {
     Cmyk8, ///< 255 full ink
 };
 
-/// Samples of a pixel and bits of a sample.
+/// Samples of a pixel.
 constexpr int SamplesOf(SampleKind kind)
 {
     switch (kind) {
@@ -33,6 +33,7 @@ constexpr int SamplesOf(SampleKind kind)
         return 1;
     }
 }
+/// Bits of a sample.
 constexpr int SampleBitsOf(SampleKind kind)
 {
     switch (kind) {
