@@ -2,18 +2,12 @@
 // Metadata of a save: what was in the loaded file goes over into the encoded one, with the changed
 // comments, by one function for each kind of file that holds any.
 #include "imaging/byte_source.h"
+#include "imaging/carry/comment_changes.h"
 #include "imaging/comments/comment_set.h"
 #include "imaging/encode.h"
 #include <span>
 
 namespace quillane {
-
-struct CommentChange {
-    qint16 slot;
-    CommentValue value; ///< empty: the field goes
-};
-/// Where two sets differ, by slot.
-std::vector<CommentChange> CommentChanges(const CommentSet& before, const CommentSet& wanted);
 
 struct CarryPlan {
     /// The file that the picture was loaded from, of the same carrier; nullptr when there is none
@@ -27,9 +21,11 @@ struct CarryPlan {
     /// the caller, who then passes it here, or there is none.
     QByteArray preview;
     /// The new file is of a kind with an Exif block. A JPEG that is not has its description in a
-    /// comment marker.
+    /// comment marker, an uncompressed TIFF in RGB or YCbCr that is not has no Exif directory, and
+    /// both drop what has no place; other kinds of file hold whatever is needed.
     bool exif = true;
-    bool keepPreview = false; ///< the pixels are unchanged: the original's own preview stays
+    /// The pixels are unchanged and lay upright: the original's own preview stays.
+    bool keepPreview = false;
 };
 
 /// `encoded` (EncodePicture's) with the plan's metadata: everything of the original that no slot
@@ -42,7 +38,8 @@ QByteArray CarryIntoPng(const QByteArray& encoded, const CarryPlan& plan);
 QByteArray CarryIntoGif(const QByteArray& encoded, const CarryPlan& plan);
 
 /// The original with changed comments and its pixels as they lie in the file: for a TIFF appended
-/// at the end, for a PNG or GIF with other text chunks or comment extensions.
+/// at the end, for a PNG or GIF with other text chunks or comment extensions. Changes of slots
+/// that the kind of file has no place for are passed over.
 QByteArray ReplaceCommentsInTiff(ByteSource& original, std::span<const CommentChange> changes);
 QByteArray ReplaceCommentsInPng(ByteSource& original, std::span<const CommentChange> changes);
 QByteArray ReplaceCommentsInGif(ByteSource& original, std::span<const CommentChange> changes);

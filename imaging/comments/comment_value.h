@@ -23,6 +23,8 @@ public:
     qint32 Integer() const { return Get<qint32>(); }
     const QVector<double>& Rationals() const { return Get<QVector<double>>(); }
     const QByteArray& Bytes() const { return Get<QByteArray>(); }
+    /// The value where it has the shape of T, else nullptr.
+    template <typename T> const T* If() const { return std::get_if<T>(&mValue); }
     bool operator==(const CommentValue&) const = default;
 
 private:
