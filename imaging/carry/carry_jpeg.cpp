@@ -178,9 +178,7 @@ private:
     void PutOriginalExif(const JpegPart& part)
     {
         if (!mHasExif) {
-            if (!std::exchange(mExifSeen, true)) {
-                PutComment(SlotText(mPlan.wanted, kDescriptionSlot));
-            }
+            PutMovedComment();
             return;
         }
         if (std::exchange(mExifSeen, true)) {
@@ -201,9 +199,18 @@ private:
                              QStringLiteral("The description in the XMP data"));
     }
 
+    /// The description of an Exif block that is not written: before any other comment.
+    void PutMovedComment()
+    {
+        if (mHadExif && !mHasExif && !mCommentPut) {
+            PutComment(SlotText(mPlan.wanted, kDescriptionSlot));
+        }
+    }
+
     /// Comment markers: of a plain JPEG the first that is not empty is the description.
     void PutOriginalComment(const JpegPart& part)
     {
+        PutMovedComment();
         const bool slot = !mHadExif && !part.content.isEmpty() && !mCommentSeen;
         if (slot) {
             mCommentSeen = true;
@@ -243,7 +250,7 @@ private:
     /// What the encoder's picture needs and no segment of the original stood for.
     void PutMissing()
     {
-        if (!mHasExif && !mHadExif && !mCommentSeen && !mCommentPut) {
+        if (!mHasExif && !mCommentSeen && !mCommentPut) {
             PutComment(SlotText(mPlan.wanted, kDescriptionSlot));
         }
         if (!mProfileSeen) {

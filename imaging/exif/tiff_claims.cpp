@@ -11,6 +11,17 @@ constexpr size_t kClaimsInAll = 4'000'000; ///< fields, strips and tiles
 constexpr quint16 kClaimsPointers[] = {kTagSubDirectories, kTagExifPointer, kTagGpsPointer,
                                        kTagInteropPointer};
 
+/// Whether there is a directory at all: a pointer gone astray finds other bytes, and what they
+/// seem to own must not hold anything in place.
+bool ClaimsAreCredible(const TiffDirectory& directory)
+{
+    size_t known = 0;
+    for (const TiffField& field : directory.fields) {
+        known += FieldTypeBytes(field.type) > 0 ? 1 : 0;
+    }
+    return directory.at != 0 && directory.whole && known * 2 >= directory.fields.size();
+}
+
 } // namespace
 
 bool TiffClaims::Visit(qint64 at)
@@ -32,7 +43,7 @@ void TiffClaims::AddChain(qint64 at, std::vector<ByteRange>& ranges, int depth)
 {
     for (int page = 0; page < limits::kMaxPages && Visit(at); ++page) {
         const TiffDirectory directory = mStructure.ReadDirectory(at);
-        if (directory.at == 0) {
+        if (!ClaimsAreCredible(directory)) {
             return;
         }
         Count(directory.fields.size() + 1);

@@ -49,10 +49,16 @@ bool CommitMayMove(const TiffField& field)
 /// One commit: where everything lies, what becomes free, and where the new things go.
 class TiffEditor::Layout {
 public:
-    Layout(const TiffEditor& editor, bool reclaimZeros)
+    /// How far the end may be laid anew.
+    enum class Reach {
+        Nothing, ///< only what became free is written into
+        Changed, ///< from the first thing that became free in the part that may move
+        All,     ///< the whole part that may move, zeros that no directory knows with it
+    };
+    Layout(const TiffEditor& editor, Reach reach)
         : mEditor(editor),
           mStructure(*editor.mStructure),
-          mReclaimZeros(reclaimZeros)
+          mReach(reach)
     {
         for (int part = 0; part < kParts; ++part) {
             mParts[part] = editor.mParts[part];
@@ -78,6 +84,15 @@ public:
                                          "can have."));
         }
         return mOut;
+    }
+
+    /// Whether all that became free at the end was used again, and the size is as it was.
+    bool IsSnug() const
+    {
+        return mOut.size() == mEditor.mBytes.size()
+            && std::none_of(mHoles.begin(), mHoles.end(), [this](const ByteRange& hole) {
+                   return hole.to > mTail && hole.Size() > 1;
+               });
     }
 
 private:
@@ -115,7 +130,28 @@ private:
         }
         mFixed = ByteRanges(std::move(fixed));
         mLoose = ByteRanges(std::move(loose)).Without(mFixed);
-        mCut = TailStart();
+        mTail = TailStart();
+        mCut = mReach == Reach::All    ? mTail
+            : mReach == Reach::Changed ? FirstFreed()
+                                       : mEditor.mBytes.size();
+    }
+
+    /// Where the first thing lies in the tail that goes; the end when there is none.
+    qint64 FirstFreed() const
+    {
+        std::vector<ByteRange> freed = mEditor.mFreed;
+        for (const PartState& part : mParts) {
+            if (!part.present || part.grown || !part.was.whole) {
+                freed.push_back(part.was.table);
+            }
+        }
+        qint64 first = mEditor.mBytes.size();
+        for (const ByteRange& range : freed) {
+            if (range.Size() > 0 && range.to > mTail) {
+                first = std::min(first, std::max(range.from, mTail));
+            }
+        }
+        return first;
     }
 
     /// Where the end of the structure begins that holds nothing but what may go.
@@ -127,7 +163,7 @@ private:
         for (size_t left = loose.size();; --left) {
             const qint64 before = left > 0 ? loose[left - 1].to : 0;
             const qint64 zeros = cut - before;
-            const bool passed = left > 0 && (zeros <= kCommitPadding || mReclaimZeros)
+            const bool passed = left > 0 && (zeros <= kCommitPadding || (mReach == Reach::All))
                 && !mFixed.Touches({before, cut})
                 && CommitIsZero(QByteArrayView(bytes).sliced(before, zeros));
             if (!passed) {
@@ -135,7 +171,7 @@ private:
             }
             cut = loose[left - 1].from;
         }
-        while (mReclaimZeros && cut > mStructure.HeaderBytes() && bytes[cut - 1] == 0
+        while ((mReach == Reach::All) && cut > mStructure.HeaderBytes() && bytes[cut - 1] == 0
                && !mFixed.Touches({cut - 1, cut}) && !mLoose.Touches({cut - 1, cut})) {
             --cut;
         }
@@ -361,10 +397,11 @@ private:
 
     const TiffEditor& mEditor;
     const TiffStructure& mStructure;
-    const bool mReclaimZeros;
+    const Reach mReach;
     PartState mParts[kParts];
     ByteRanges mFixed, mLoose;
-    qint64 mCut = 0;
+    qint64 mTail = 0; ///< from here on nothing lies that must stay
+    qint64 mCut = 0;  ///< what lies from here on is laid anew
     bool mNewTable[kParts] = {};
     qint64 mTableAt[kParts] = {};
     std::vector<ByteRange> mHoles;
@@ -373,7 +410,14 @@ private:
 
 QByteArray TiffEditor::Commit(bool reclaimZeros) const
 {
-    return Layout(*this, reclaimZeros).Run();
+    if (!reclaimZeros) {
+        Layout inPlace(*this, Layout::Reach::Nothing);
+        QByteArray patched = inPlace.Run();
+        if (inPlace.IsSnug()) {
+            return patched;
+        }
+    }
+    return Layout(*this, reclaimZeros ? Layout::Reach::All : Layout::Reach::Changed).Run();
 }
 
 } // namespace quillane::exif

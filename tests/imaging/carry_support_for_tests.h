@@ -1,5 +1,6 @@
 #pragma once
 // What the tests of carried metadata share.
+#include "codec_support_for_tests.h"
 #include "comment_files.h"
 #include "core/temp_folder.h"
 #include "imaging/carry/carry.h"
@@ -66,6 +67,25 @@ inline bool IsInExifBlock(const CommentSlot& slot)
     return slot.home != SlotHome::Dicom && slot.home != SlotHome::PngText;
 }
 
+/// Facts of a file in memory that a codec of this process reads.
+inline ImageFacts FactsOfFile(const QByteArray& content)
+{
+    MemorySource source(content);
+    return CodecFor(content).probe(source);
+}
+inline QSize DecodedSize(const QByteArray& content)
+{
+    return DecodeBytes(content).Pixels().size();
+}
+inline int OrientationOf(const QByteArray& content)
+{
+    return FactsOfFile(content).orientation;
+}
+inline QByteArray DecodedProfile(const QByteArray& content)
+{
+    return DecodeBytes(content).Icc();
+}
+
 /// A source of bytes in memory that a plan can point to.
 struct PlanOf {
     explicit PlanOf(const QByteArray& original, void (*read)(ByteSource&, CommentSet&))
@@ -89,8 +109,8 @@ inline QString ExifTool(const QByteArray& content, const QByteArray& name,
 {
     const TempFolder folder;
     folder.Write(name, content);
-    const std::optional<QByteArray> said = test::RunTool(
-        QStringLiteral("exiftool"), arguments + QStringList{folder.Path(name)});
+    const std::optional<QByteArray> said =
+        test::RunTool(QStringLiteral("exiftool"), arguments + QStringList{folder.Path(name)});
     return said ? QString::fromUtf8(*said).trimmed() : QString();
 }
 
