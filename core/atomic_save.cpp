@@ -62,8 +62,9 @@ public:
     }
     ~AtomicSave() override
     {
-        Discard(mDraftName);
-        Discard(mBackupName);
+        // While a backup stands, what it is compared with stands too.
+        if (Discard(mBackupName))
+            Discard(mDraftName);
     }
     AtomicSave(const AtomicSave&) = delete;
     AtomicSave& operator=(const AtomicSave&) = delete;
@@ -187,10 +188,12 @@ private:
         FailIf(error);
     }
 
-    void Discard(const QByteArray& name)
+    bool Discard(const QByteArray& name)
     {
-        if (!name.isEmpty() && mCalls.Remove(name) != 0)
+        const bool gone = name.isEmpty() || mCalls.Remove(name) == 0;
+        if (!gone)
             mJournal.Keep();
+        return gone;
     }
 
     void KeepItsAttributes()
@@ -321,10 +324,11 @@ private:
         const QString backup = PathFromBytes(std::exchange(mBackupName, {}));
         const QString reason =
             FailureFromErrno(error, QStringLiteral("write"), mShown).Description();
-        throw Failure(kFailureIo,
-                      QStringLiteral("%1 What was in it is safe in \"%2\" and is put back when the "
-                                     "program starts the next time.")
-                          .arg(reason, backup));
+        throw Failure(
+            kFailureIo,
+            QStringLiteral("%1 What was in it is safe in \"%2\"; when the program starts the "
+                           "next time, it completes or undoes this save.")
+                .arg(reason, backup));
     }
 
     const QString mShown;

@@ -1,6 +1,7 @@
 // CleanUpAfterCrash: what killed programs have left in their journals.
 #include "core/failure.h"
 #include "core/save_in_place.h"
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -24,12 +25,14 @@ public:
             ++mDone.waiting;
             return false;
         }
-        QList<QByteArray> temporaries = notes.temporaries;
+        // While a backup stands, what it is compared with stands too.
+        QList<QByteArray> temporaries;
         if (notes.inPlace)
             temporaries << notes.inPlace->backup << notes.inPlace->fresh;
-        bool all = true;
-        for (const QByteArray& path : temporaries)
-            all = RemoveTemporary(path) && all;
+        temporaries << notes.temporaries;
+        const bool all =
+            std::all_of(temporaries.cbegin(), temporaries.cend(),
+                        [this](const QByteArray& path) { return RemoveTemporary(path); });
         if (!all)
             ++mDone.waiting;
         return all;

@@ -17,7 +17,12 @@ namespace quillane {
 
 class TempFolder {
 public:
-    TempFolder() { EXPECT_NE(mkdtemp(mFolder.data()), nullptr); }
+    /// In the folder of temporary files, or in another.
+    explicit TempFolder(const QByteArray& in = QDir::tempPath().toUtf8())
+        : mFolder(in + "/quillane-test-XXXXXX")
+    {
+        EXPECT_NE(mkdtemp(mFolder.data()), nullptr);
+    }
     // Qt's own folder leaves those behind that hold names which are no UTF-8.
     ~TempFolder()
     {
@@ -67,7 +72,7 @@ public:
     }
 
 private:
-    QByteArray mFolder = QDir::tempPath().toUtf8() + "/quillane-test-XXXXXX";
+    QByteArray mFolder;
 };
 
 } // namespace quillane
