@@ -1,49 +1,43 @@
 #include "imaging/resize.h"
 #include "core/failure.h"
-#include "imaging/limits.h"
+#include "imaging/processing/depth.h"
+#include "imaging/processing/warp.h"
+#include <algorithm>
+#include <opencv2/imgproc.hpp>
+#include <vector>
 
 namespace quillane {
 
 namespace {
 
-Bitmap ResizeWith(const Bitmap& from, QImage pixels, ColourModel model)
+using processing::BlankPixels;
+using processing::CallLibrary;
+using processing::ReadView;
+using processing::WriteView;
+
+/// Number of the pixel whose area holds the middle of each place.
+std::vector<int> ResizePlaces(int from, int to)
 {
-    if (pixels.isNull()) {
-        throw Failure(kFailureLimit,
-                      QStringLiteral("There is not enough memory for the changed picture."));
+    std::vector<int> places(static_cast<size_t>(to));
+    for (qint64 i = 0; i < to; ++i) {
+        places[size_t(i)] = int((2 * i + 1) * from / (2 * qint64(to)));
     }
-    Bitmap result(std::move(pixels), model, from.FileDepth());
-    result.SetIcc(from.Icc());
-    result.SetExact(false);
-    result.SetPartial(from.IsPartial());
-    return result;
+    return places;
 }
 
-/// Takes a picture out of layouts whose values are names of colours, so that values can be mixed.
-Bitmap ResizeMixable(const Bitmap& from)
+template <typename Pixel>
+void ResizeNearest(const cv::Mat& in, cv::Mat& out, const std::vector<int>& columns,
+                   const std::vector<int>& rows, int top, int bottom)
 {
-    if (from.Model() == ColourModel::BlackWhite) {
-        return ResizeWith(from, from.Pixels().convertToFormat(QImage::Format_Grayscale8),
-                          ColourModel::Grey);
-    }
-    if (from.Model() == ColourModel::Palette) {
-        const QImage::Format full =
-            from.Pixels().hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32;
-        return ResizeWith(from, from.Pixels().convertToFormat(full), ColourModel::Rgb);
-    }
-    return from;
-}
-
-template <typename Pixel> void ResizeNearest(const QImage& from, QImage& to)
-{
-    const qint64 across = from.width();
-    const qint64 down = from.height();
-    for (qint64 y = 0; y < to.height(); ++y) {
-        const int row = int((2 * y + 1) * down / (2 * to.height()));
-        const Pixel* in = reinterpret_cast<const Pixel*>(from.constScanLine(row));
-        Pixel* out = reinterpret_cast<Pixel*>(to.scanLine(int(y)));
-        for (qint64 x = 0; x < to.width(); ++x) {
-            out[x] = in[(2 * x + 1) * across / (2 * to.width())];
+    for (int y = top; y < bottom; ++y) {
+        Pixel* to = out.ptr<Pixel>(y);
+        if (y > top && rows[size_t(y)] == rows[size_t(y - 1)]) {
+            std::copy_n(out.ptr<Pixel>(y - 1), out.cols, to);
+            continue;
+        }
+        const Pixel* from = in.ptr<Pixel>(rows[size_t(y)]);
+        for (int x = 0; x < out.cols; ++x) {
+            to[x] = from[columns[size_t(x)]];
         }
     }
 }
@@ -52,73 +46,86 @@ template <typename Pixel> void ResizeNearest(const QImage& from, QImage& to)
 QImage ResizePlainly(const QImage& from, QSize size)
 {
     if (from.depth() == 1) {
-        QImage wide = from.convertToFormat(QImage::Format_Indexed8);
+        const QImage wide = from.convertToFormat(QImage::Format_Indexed8);
         return ResizePlainly(wide, size).convertToFormat(QImage::Format_Mono, wide.colorTable());
     }
-    QImage to(size, from.format());
-    if (to.isNull()) {
-        return to;
-    }
+    QImage to = BlankPixels(size, from.format());
     to.setColorTable(from.colorTable());
-    switch (from.depth()) {
-    case 8:
-        ResizeNearest<quint8>(from, to);
-        break;
-    case 16:
-        ResizeNearest<quint16>(from, to);
-        break;
-    case 64:
-        ResizeNearest<quint64>(from, to);
-        break;
-    default:
-        ResizeNearest<quint32>(from, to);
-        break;
-    }
+    CallLibrary([&] {
+        const cv::Mat in = ReadView(from);
+        cv::Mat out = WriteView(to);
+        const std::vector<int> columns = ResizePlaces(in.cols, out.cols);
+        const std::vector<int> rows = ResizePlaces(in.rows, out.rows);
+        processing::ForBands(out.rows, processing::BandRows(out), [&](int top, int bottom) {
+            switch (from.depth()) {
+            case 8:
+                return ResizeNearest<quint8>(in, out, columns, rows, top, bottom);
+            case 16:
+                return ResizeNearest<quint16>(in, out, columns, rows, top, bottom);
+            case 64:
+                return ResizeNearest<quint64>(in, out, columns, rows, top, bottom);
+            default:
+                return ResizeNearest<quint32>(in, out, columns, rows, top, bottom);
+            }
+        });
+    });
     return to;
 }
 
-/// Mixed by Qt in a layout that it mixes without loss, then brought back.
-QImage ResizeSmoothly(const Bitmap& from, QSize size)
+/// Mixed by the library. What falls together is averaged first where a curve would miss pixels.
+void ResizeMixed(const cv::Mat& in, cv::Mat& out, ResizeWay way)
 {
-    const QImage::Format layout = from.Pixels().format();
-    QImage pixels = from.Pixels();
-    const auto scaled = [&] {
-        return pixels.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
-    };
-    if (from.Model() == ColourModel::Cmyk) {
-        // Four bytes that are mixed each for itself: the same as a picture with its alpha in.
-        pixels.reinterpretAsFormat(QImage::Format_ARGB32_Premultiplied);
-        QImage mixed = scaled();
-        mixed.reinterpretAsFormat(layout);
-        return mixed;
+    const bool smaller = out.cols <= in.cols && out.rows <= in.rows;
+    if (way == ResizeWay::Resample) {
+        cv::resize(in, out, out.size(), 0, 0, smaller ? cv::INTER_AREA : cv::INTER_LINEAR);
+        return;
     }
-    if (layout == QImage::Format_Grayscale16) {
-        pixels.convertTo(QImage::Format_RGBX64);
-    } else if (layout == QImage::Format_RGBA64) {
-        pixels.convertTo(QImage::Format_RGBA64_Premultiplied);
+    const int across = std::max(1, in.cols / out.cols);
+    const int down = std::max(1, in.rows / out.rows);
+    if (across == 1 && down == 1) {
+        cv::resize(in, out, out.size(), 0, 0, cv::INTER_CUBIC);
+        return;
     }
-    return scaled().convertToFormat(layout);
+    cv::Mat fewer;
+    cv::resize(in, fewer, cv::Size((in.cols + across - 1) / across, (in.rows + down - 1) / down),
+               0, 0, cv::INTER_AREA);
+    cv::resize(fewer, out, out.size(), 0, 0, cv::INTER_CUBIC);
+}
+
+QImage ResizeSmoothly(const QImage& from, QSize size, ResizeWay way)
+{
+    const QImage weighed = processing::WithWeighedColours(from);
+    QImage to = BlankPixels(size, weighed.format());
+    CallLibrary([&] {
+        cv::Mat out = WriteView(to);
+        ResizeMixed(ReadView(weighed), out, way);
+        if (weighed.format() != from.format()) {
+            // A curve overshoots; a colour is never above the alpha it is weighed with.
+            processing::CapByAlpha(out);
+        }
+    });
+    return processing::WithPlainColours(std::move(to), from.format());
 }
 
 } // namespace
 
-Bitmap Resized(const Bitmap& bitmap, QSize size, bool smooth)
+Bitmap Resized(const Bitmap& bitmap, QSize size, ResizeWay way)
 {
     if (bitmap.IsNull() || bitmap.Pixels().size() == size) {
         return bitmap;
     }
-    const qint64 pixels = qint64(size.width()) * size.height();
-    if (pixels > limits::kMaxPixels
-        || pixels * bitmap.Pixels().depth() / 8 > limits::kMaxPictureBytes) {
-        throw Failure(kFailureLimit,
-                      QStringLiteral("A picture of %1 x %2 pixels is more than can be held.")
-                          .arg(size.width())
-                          .arg(size.height()));
+    if (size.isEmpty()) {
+        throw Failure(kFailureGeneral, QStringLiteral("A picture has at least one pixel."));
     }
-    const Bitmap from = smooth ? ResizeMixable(bitmap) : bitmap;
-    return ResizeWith(from,
-                      smooth ? ResizeSmoothly(from, size) : ResizePlainly(from.Pixels(), size),
-                      from.Model());
+    if (way == ResizeWay::Plain) {
+        return processing::PictureLike(bitmap, ResizePlainly(bitmap.Pixels(), size),
+                                       bitmap.Model());
+    }
+    // Inks mix as well as light does; indexes do not.
+    const Bitmap from = bitmap.Model() == ColourModel::Cmyk
+        ? bitmap
+        : processing::InForm(bitmap, processing::PixelForm::Full);
+    return processing::PictureLike(from, ResizeSmoothly(from.Pixels(), size, way), from.Model());
 }
 
 Bitmap AtDepth(const Bitmap& bitmap, qint32 bits)
@@ -126,33 +133,7 @@ Bitmap AtDepth(const Bitmap& bitmap, qint32 bits)
     if (bitmap.IsNull() || bitmap.Bits() == bits) {
         return bitmap;
     }
-    Bitmap from = bitmap;
-    if (bitmap.Model() == ColourModel::Cmyk) {
-        from = Bitmap(bitmap.ToDisplay(), ColourModel::Rgb, bitmap.FileDepth());
-    }
-    const QImage& pixels = from.Pixels();
-    switch (bits) {
-    case 1:
-        return ResizeWith(from, pixels.convertToFormat(QImage::Format_Mono),
-                          ColourModel::BlackWhite);
-    case 8:
-        if (from.Model() == ColourModel::BlackWhite || from.Model() == ColourModel::Grey) {
-            return ResizeWith(from, pixels.convertToFormat(QImage::Format_Grayscale8),
-                              ColourModel::Grey);
-        }
-        return ResizeWith(from, pixels.convertToFormat(QImage::Format_Indexed8),
-                          ColourModel::Palette);
-    case 16:
-        return ResizeWith(from, pixels.convertToFormat(QImage::Format_Grayscale16),
-                          ColourModel::Grey);
-    case 24:
-        return ResizeWith(from, pixels.convertToFormat(QImage::Format_RGB32), ColourModel::Rgb);
-    case 32:
-        return ResizeWith(from, pixels.convertToFormat(QImage::Format_ARGB32), ColourModel::Rgb);
-    default:
-        throw Failure(kFailureGeneral,
-                      QStringLiteral("A picture cannot have %1 bits per pixel.").arg(bits));
-    }
+    return processing::ToDepth(bitmap, bits);
 }
 
 } // namespace quillane
