@@ -1,9 +1,6 @@
 #include "imaging/engine.h"
 #include "core/failure.h"
-#include "imaging/limits.h"
 #include "imaging/resize.h"
-#include <algorithm>
-#include <cmath>
 
 namespace quillane {
 
@@ -17,17 +14,6 @@ template <typename Step> bool EngineStep(bool methodErrors, Step&& step)
     }
     step();
     return true;
-}
-
-int EngineSide(float wanted)
-{
-    if (!std::isfinite(wanted) || wanted > float(limits::kMaxSide)) {
-        throw Failure(kFailureOverflow,
-                      QStringLiteral("A picture cannot be made that large: at most %1 pixels a "
-                                     "side.")
-                          .arg(limits::kMaxSide));
-    }
-    return std::max(1, int(std::lround(wanted)));
 }
 
 } // namespace
@@ -51,6 +37,13 @@ void EngineInstance::Adopt(LoadedImage loaded)
     mBitmap = std::move(loaded.bitmap);
     mInfo = std::move(loaded.facts);
     mPending.clear();
+    mRegion = {};
+}
+
+void EngineInstance::SetBitmap(quillane::Bitmap bitmap)
+{
+    mBitmap = std::move(bitmap);
+    mRegion = mRegion.ClippedTo(mBitmap.Pixels().size());
 }
 
 void EngineInstance::GetFileInfo(const QString& file, qint32 page, qint32)
@@ -85,17 +78,6 @@ const CommentValue& EngineInstance::Comment(qint16 slot) const
     static const CommentValue none;
     const auto found = mPending.find(slot);
     return found == mPending.end() ? none : found->second;
-}
-
-void EngineInstance::Resize(float width, float height, qint32 flags)
-{
-    EngineStep(mMethodErrors, [&] {
-        if (mBitmap.IsNull()) {
-            throw Failure(kFailureGeneral, QStringLiteral("There is no picture to resize."));
-        }
-        const QSize size(EngineSide(width), EngineSide(height));
-        mBitmap = Resized(mBitmap, size, flags != kResizePlain);
-    });
 }
 
 } // namespace quillane

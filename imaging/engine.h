@@ -3,6 +3,9 @@
 // (scratch) of the windows. No widget; EngineView paints one.
 #include "imaging/comments/comment_reader.h"
 #include "imaging/reader.h"
+#include "imaging/region.h"
+#include <array>
+#include <functional>
 #include <map>
 
 namespace quillane {
@@ -42,7 +45,8 @@ public:
     /// The image; a copy of it is O(1) and independent.
     const quillane::Bitmap& Bitmap() const { return mBitmap; }
     /// Gives this instance its own copy of a picture; an empty one frees the image.
-    void SetBitmap(quillane::Bitmap bitmap) { mBitmap = std::move(bitmap); }
+    /// The region stays as far as it lies on the new picture.
+    void SetBitmap(quillane::Bitmap bitmap);
     bool HasBitmap() const { return !mBitmap.IsNull(); }
 
     /// One metadata field read from the file, the image untouched. See CommentReader.
@@ -52,16 +56,49 @@ public:
     void SetComment(qint16 slot, CommentValue value);
     const CommentValue& Comment(qint16 slot) const;
 
-    /// When off, a failing Load, GetFileInfo or ReadComment raises nothing and returns as if
-    /// it had not been called.
+    /// When off, a failing method raises nothing and returns as if it had not been called.
     bool MethodErrors() const { return mMethodErrors; }
     void SetMethodErrors(bool on) { mMethodErrors = on; }
 
-    /// Changes the size of the image; sizes are rounded to whole pixels, at least 1.
+    // Processing: of the whole image or, where there is one, of the region; see
+    // imaging/processing/ for what each does with which depth. Colours have red in the low byte,
+    // angles are hundredths of a degree. Each fails without an image.
+
+    void Contrast(qint32 value);          ///< -1000..1000
+    void Brightness(qint32 value);        ///< -1000..1000
+    void HistogramContrast(qint32 value); ///< -1000..1000
+    void Saturation(qint32 value);        ///< -1000..1000
+    void Hue(qint32 angle);               ///< turn of the colour circle
+    void GammaCorrect(qint32 gamma);      ///< in hundredths, above 100 brightens
+    void Invert();
+    void Posterize(qint32 levels); ///< 2..256
+    void StretchIntensity();
+    void HistogramEqualize();
+    void IntensityDetect(qint32 low, qint32 high); ///< of 0..255
+    void Grayscale(qint32 bits);                   ///< 8 or 16
+    void FillColor(qint32 colour);
+    void Flip();    ///< upside down
+    void Reverse(); ///< left to right
+    /// To the right; the image grows to hold the turned picture when flags have bit 1.
+    void Rotate(qint32 angle, qint32 flags, qint32 fill);
+    void Shear(qint32 angle, bool horizontal, qint32 fill);
+    /// Changes the size of the whole image and drops the region; sizes are rounded to whole
+    /// pixels, at least 1.
     void Resize(float width, float height, qint32 flags);
+    /// Changes the depth of the whole image to 1, 4, 8, 16, 24, 32, 48 or 64 bits, with the
+    /// choices of processing::PaletteChoice and DitherChoice. No palette of one's own can be given.
+    void ChangeColorDepth(qint32 bits, qint32 palette, qint32 dither);
+    /// Cuts the image to the rectangle; what lies beside the image is left out.
+    void Trim(qint32 left, qint32 top, qint32 width, qint32 height);
 
 private:
+    /// Replaces the image by what `work` makes of it and of the region (null for none).
+    void Process(const std::function<quillane::Bitmap(const Region*)>& work);
+    /// Runs a method; with method errors off its Failure is passed over.
+    void Guarded(const std::function<void()>& step) const;
+
     quillane::Bitmap mBitmap;
+    Region mRegion;
     ImageFacts mInfo;
     CommentReader mReader;
     std::map<qint16, CommentValue> mPending;

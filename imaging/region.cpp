@@ -40,8 +40,9 @@ QImage RegionBlankMask(QSize size)
 {
     QImage mask(size, QImage::Format_Grayscale8);
     if (mask.isNull()) {
-        throw Failure(kFailureLimit,
-                      QStringLiteral("There is not enough memory to select a part of the picture."));
+        throw Failure(
+            kFailureLimit,
+            QStringLiteral("There is not enough memory to select a part of the picture."));
     }
     mask.fill(0);
     return mask;
@@ -74,18 +75,14 @@ double RegionDrawnIn(double y, const RegionSides& sides, double acrossRadius, do
 /// Collects the pixels of a shape in a mask and cuts that to what holds any.
 class Region::Spans {
 public:
-    explicit Spans(const QRect& bounds)
-        : mBounds(bounds),
-          mMask(RegionBlankMask(bounds.size()))
-    { }
+    explicit Spans(const QRect& bounds) : mBounds(bounds), mMask(RegionBlankMask(bounds.size())) { }
 
     /// Adds the pixels of a row of the mask whose centres lie between two of its places.
     void Add(int row, double left, double right)
     {
         const RegionColumns columns(left, right, mBounds.width());
         if (columns.to > columns.from) {
-            std::memset(mMask.scanLine(row) + columns.from, 255,
-                        size_t(columns.to - columns.from));
+            std::memset(mMask.scanLine(row) + columns.from, 255, size_t(columns.to - columns.from));
         }
     }
 

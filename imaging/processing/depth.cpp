@@ -1,7 +1,7 @@
 #include "imaging/processing/depth.h"
 #include "core/failure.h"
-#include "imaging/processing/colour_pixels.h"
-#include "imaging/processing/palette.h"
+#include "imaging/processing/pixels/colour_pixels.h"
+#include "imaging/processing/pixels/palette.h"
 
 namespace quillane::processing {
 
@@ -41,8 +41,7 @@ Bitmap ToPalette(const Bitmap& picture, int most, const DepthChoice& choice)
         }
     }
     const bool alpha = picture.Model() != ColourModel::Cmyk && picture.Pixels().hasAlphaChannel();
-    const Bitmap colours =
-        ToColours(picture, alpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    const Bitmap colours = ToColours(picture, alpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
     const QImage& pixels = colours.Pixels();
     switch (choice.palette) {
     case PaletteChoice::Best:
@@ -52,15 +51,13 @@ Bitmap ToPalette(const Bitmap& picture, int most, const DepthChoice& choice)
         return PictureLike(colours, ReducedPalette(pixels, most, {}, choice.dither),
                            ColourModel::Palette);
     case PaletteChoice::Fixed:
-        return PictureLike(colours,
-                           ReducedPalette(pixels, most, FixedColours(most), choice.dither),
+        return PictureLike(colours, ReducedPalette(pixels, most, FixedColours(most), choice.dither),
                            ColourModel::Palette);
     case PaletteChoice::Grey:
         break;
     }
     const Bitmap grey = ToColours(WithGreyDepth(GreyOf(picture), 8), QImage::Format_RGB32);
-    return PictureLike(grey,
-                       ReducedPalette(grey.Pixels(), most, GreyColours(most), choice.dither),
+    return PictureLike(grey, ReducedPalette(grey.Pixels(), most, GreyColours(most), choice.dither),
                        ColourModel::Palette);
 }
 

@@ -1,8 +1,8 @@
 #include "imaging/processing/geometry.h"
 #include "core/failure.h"
 #include "imaging/limits.h"
-#include "imaging/processing/colour_pixels.h"
-#include "imaging/processing/warp.h"
+#include "imaging/processing/pixels/colour_pixels.h"
+#include "imaging/processing/pixels/warp.h"
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -28,8 +28,8 @@ void TurnRows(const cv::Mat& in, cv::Mat& out, int top, int bottom, bool back)
         for (int y = top; y < bottom; ++y) {
             Pixel* to = out.ptr<Pixel>(y);
             const int column = back ? in.cols - 1 - y : y;
-            const uchar* from = in.ptr(back ? left : in.rows - 1 - left)
-                + size_t(column) * sizeof(Pixel);
+            const uchar* from =
+                in.ptr(back ? left : in.rows - 1 - left) + size_t(column) * sizeof(Pixel);
             for (int x = left; x < right; ++x, from += line) {
                 to[x] = *reinterpret_cast<const Pixel*>(from);
             }
@@ -80,16 +80,16 @@ Bitmap Mirrored(const Bitmap& picture, const Region* region, bool down, bool acr
         return TurnBits(picture, down ? across ? 3 : 4 : 2);
     }
     const Bitmap from = InForm(picture, PixelForm::Stored);
-    return WorkOnWhole(
-        from, region, PixelForm::Stored, FourthChannel::Written,
-        [&](const cv::Mat& in, cv::Mat& out) {
-            ForBands(in.rows, BandRows(in), [&](int top, int bottom) {
-                cv::Mat to = out.rowRange(top, bottom);
-                const cv::Mat rows =
-                    down ? in.rowRange(in.rows - bottom, in.rows - top) : in.rowRange(top, bottom);
-                cv::flip(rows, to, down ? across ? -1 : 0 : 1);
-            });
-        });
+    return WorkOnWhole(from, region, PixelForm::Stored, FourthChannel::Written,
+                       [&](const cv::Mat& in, cv::Mat& out) {
+                           ForBands(in.rows, BandRows(in), [&](int top, int bottom) {
+                               cv::Mat to = out.rowRange(top, bottom);
+                               const cv::Mat rows = down
+                                   ? in.rowRange(in.rows - bottom, in.rows - top)
+                                   : in.rowRange(top, bottom);
+                               cv::flip(rows, to, down ? across ? -1 : 0 : 1);
+                           });
+                       });
 }
 
 } // namespace
@@ -129,8 +129,8 @@ Bitmap Rotate(const Bitmap& picture, const Region* region, qint32 angle, bool re
         const double fromY = (from.height() - 1) / 2.0;
         const double toX = (to.width() - 1) / 2.0;
         const double toY = (to.height() - 1) / 2.0;
-        WarpMap map{cosine, sine, fromX - cosine * toX - sine * toY,
-                    -sine, cosine, fromY + sine * toX - cosine * toY};
+        WarpMap map{cosine, sine,   fromX - cosine * toX - sine * toY,
+                    -sine,  cosine, fromY + sine * toX - cosine * toY};
         if (quarter) {
             // Half a pixel more or less, so that pixels stay what they are.
             map.x0 = std::floor(map.x0);
@@ -152,8 +152,7 @@ Bitmap Rotate(const Bitmap& picture, const Region* region, qint32 angle, bool re
     return Warped(from, size, fill, mapping(from.Pixels().size(), size));
 }
 
-Bitmap Shear(const Bitmap& picture, const Region* region, qint32 angle, bool horizontal,
-             QRgb fill)
+Bitmap Shear(const Bitmap& picture, const Region* region, qint32 angle, bool horizontal, QRgb fill)
 {
     NeedPicture(picture);
     const qint32 slant = std::clamp(angle, -kMostShear, kMostShear);

@@ -21,8 +21,7 @@ Bitmap Rotate(const Bitmap& picture, const Region* region, qint32 angle, bool re
 /// Slanted by hundredths of a degree, -4500..4500: rows move right the further down they stand, or
 /// (not `horizontal`) columns move down the further right. The result holds the whole picture; in
 /// a region its bounds stay. Layouts as with Rotate.
-Bitmap Shear(const Bitmap& picture, const Region* region, qint32 angle, bool horizontal,
-             QRgb fill);
+Bitmap Shear(const Bitmap& picture, const Region* region, qint32 angle, bool horizontal, QRgb fill);
 /// What lies in the rectangle, in any layout; what of it lies beside the picture is left out.
 /// Failure kFailureGeneral where nothing remains.
 Bitmap Trim(const Bitmap& picture, QRect part);

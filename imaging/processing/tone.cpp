@@ -1,5 +1,5 @@
 #include "imaging/processing/tone.h"
-#include "imaging/processing/levels.h"
+#include "imaging/processing/pixels/levels.h"
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -75,8 +75,7 @@ void DetectColours(const cv::Mat& in, cv::Mat& out, ChannelOrder order, quint32 
     constexpr Value kFull = Value(~Value(0));
     ForRows<Value>(in, out, [&](const Value* from, Value* to) {
         for (int x = 0; x < in.cols; ++x, from += 4, to += 4) {
-            const quint32 value =
-                Intensity(from[order.red], from[order.green], from[order.blue]);
+            const quint32 value = Intensity(from[order.red], from[order.green], from[order.blue]);
             to[0] = to[1] = to[2] = to[3] = value - low <= high - low ? kFull : Value(0);
         }
     });
@@ -192,8 +191,7 @@ Bitmap IntensityDetect(const Bitmap& picture, const Region* region, qint32 low, 
                                DetectColours<quint16>(in, out, order, quint32(least) * 257,
                                                       quint32(most) * 257 + 256);
                            } else {
-                               DetectColours<uchar>(in, out, order, quint32(least),
-                                                    quint32(most));
+                               DetectColours<uchar>(in, out, order, quint32(least), quint32(most));
                            }
                        });
 }

@@ -9,6 +9,8 @@ namespace quillane::house {
 namespace {
 
 constexpr int kMostLines = 1000;
+/// Headers that bring the library of pixel operations along.
+const QLatin1String kProcessingPixels("imaging/processing/pixels/");
 
 QString Complaint(const SourceFile& file, int line, const QString& words)
 {
@@ -75,6 +77,8 @@ const Library kLibraries[] = {
     {"gif_lib.h", {"imaging/"}},
     {"exiv2/", {"imaging/"}},
     {"lcms2.h", {"imaging/"}},
+    {"opencv2/", {"imaging/processing/"}},
+    {"libimagequant.h", {"imaging/processing/"}},
     {"tiff.h", {"imaging/worker_main/"}},
     {"tiffio.h", {"imaging/worker_main/"}},
     {"dcmtk/", {"imaging/worker_main/"}},
@@ -167,10 +171,17 @@ QStringList CheckThirdParty(const SourceFile& file)
     QStringList complaints;
     if (!file.IsProduct())
         return complaints;
-    // Nobody includes the worker's headers, so there they are part of the adapter.
-    const bool isSharedHeader =
-        file.IsHeader() && UnitOf(file.path) != QLatin1String("imaging/worker_main");
+    // Nobody includes the worker's headers, and none but processing those of its pixels, so there
+    // they are part of the adapter.
+    const bool isSharedHeader = file.IsHeader()
+        && UnitOf(file.path) != QLatin1String("imaging/worker_main")
+        && !file.path.startsWith(kProcessingPixels);
     for (const Include& include : IncludesOf(file.text)) {
+        if (include.name.startsWith(kProcessingPixels)
+            && !file.path.startsWith(QLatin1String("imaging/processing/"))) {
+            complaints.append(Complaint(file, include.line,
+                                        include.name + QLatin1String(" is of processing alone")));
+        }
         if (!include.angled || IsSystemHeader(include.name) || IsQtHeader(include.name))
             continue;
         const auto library =

@@ -192,7 +192,8 @@ TEST(Resized, AConstantPictureStaysConstantInEveryLayout)
         {QImage::Format_RGBA64, ColourModel::Rgb},
     };
     for (const auto& row : rows) {
-        for (const bool smooth : {false, true}) {
+        for (const ResizeWay way : {ResizeWay::Plain, ResizeWay::Resample, ResizeWay::Bicubic}) {
+            const bool smooth = way != ResizeWay::Plain;
             QImage pixels(40, 30, row.format);
             if (row.format == QImage::Format_Indexed8) {
                 pixels.setColorTable({qRgb(9, 8, 7), qRgb(200, 100, 50)});
@@ -210,7 +211,7 @@ TEST(Resized, AConstantPictureStaysConstantInEveryLayout)
                 pixels.fill(QColor(200, 100, 50));
             }
             const Bitmap from(pixels, row.model, 8);
-            const Bitmap to = Resized(from, QSize(13, 57), smooth);
+            const Bitmap to = Resized(from, QSize(13, 57), way);
             ASSERT_EQ(to.Width(), 13);
             ASSERT_EQ(to.Height(), 57);
             EXPECT_FALSE(to.IsExact());
@@ -233,10 +234,12 @@ TEST(Resized, ABlackAndWhitePictureBecomesGreyWhenMixed)
     for (int y = 0; y < 8; ++y) {
         pixels.scanLine(y)[0] = 0x55;
     }
-    const Bitmap mixed = Resized(Bitmap(pixels, ColourModel::BlackWhite, 1), QSize(4, 4), true);
+    const Bitmap mixed =
+        Resized(Bitmap(pixels, ColourModel::BlackWhite, 1), QSize(4, 4), ResizeWay::Resample);
     EXPECT_EQ(mixed.Model(), ColourModel::Grey);
     EXPECT_NEAR(qGray(mixed.Pixels().pixel(1, 1)), 128, 20);
-    const Bitmap plain = Resized(Bitmap(pixels, ColourModel::BlackWhite, 1), QSize(4, 4), false);
+    const Bitmap plain =
+        Resized(Bitmap(pixels, ColourModel::BlackWhite, 1), QSize(4, 4), ResizeWay::Plain);
     EXPECT_EQ(plain.Model(), ColourModel::BlackWhite);
     EXPECT_EQ(plain.Bits(), 1);
 }

@@ -1,7 +1,7 @@
 #include "imaging/resize.h"
 #include "core/failure.h"
 #include "imaging/processing/depth.h"
-#include "imaging/processing/warp.h"
+#include "imaging/processing/pixels/warp.h"
 #include <algorithm>
 #include <opencv2/imgproc.hpp>
 #include <vector>
@@ -87,8 +87,8 @@ void ResizeMixed(const cv::Mat& in, cv::Mat& out, ResizeWay way)
         return;
     }
     cv::Mat fewer;
-    cv::resize(in, fewer, cv::Size((in.cols + across - 1) / across, (in.rows + down - 1) / down),
-               0, 0, cv::INTER_AREA);
+    cv::resize(in, fewer, cv::Size((in.cols + across - 1) / across, (in.rows + down - 1) / down), 0,
+               0, cv::INTER_AREA);
     cv::resize(fewer, out, out.size(), 0, 0, cv::INTER_CUBIC);
 }
 

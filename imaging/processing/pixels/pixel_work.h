@@ -1,5 +1,5 @@
 #pragma once
-// What the operations on pixels share; for the files of this folder alone, since it brings the
+// What the operations on pixels share; for imaging/processing/ alone, since it brings the
 // library's headers along. A view of a picture's pixels (cv::Mat) lives no longer than the call
 // that was handed it: one that outlives an assignment would write into both copies.
 #include "imaging/bitmap.h"

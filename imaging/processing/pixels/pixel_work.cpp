@@ -1,4 +1,4 @@
-#include "imaging/processing/pixel_work.h"
+#include "imaging/processing/pixels/pixel_work.h"
 #include "core/failure.h"
 #include "imaging/limits.h"
 #include "imaging/worker/picture_memory.h"
@@ -26,6 +26,15 @@ bool HasPixelForm(const Bitmap& picture, PixelForm form)
     default:
         return true;
     }
+}
+
+/// Whether the colours of a picture with a table are greys.
+bool HasGreysOnly(const QImage& pixels)
+{
+    const QList<QRgb> colours = pixels.colorTable();
+    return std::all_of(colours.begin(), colours.end(), [](QRgb colour) {
+        return qRed(colour) == qGreen(colour) && qRed(colour) == qBlue(colour);
+    });
 }
 
 QImage ConvertPixels(const QImage& pixels, QImage::Format format)
@@ -146,16 +155,17 @@ Bitmap InForm(const Bitmap& picture, PixelForm form)
     const QImage& pixels = picture.Pixels();
     switch (picture.Model()) {
     case ColourModel::BlackWhite:
-        if (form != PixelForm::Colour && pixels.isGrayscale()) {
+        if (form != PixelForm::Colour && HasGreysOnly(pixels)) {
             return PictureLike(picture, ConvertPixels(pixels, QImage::Format_Grayscale8),
                                ColourModel::Grey);
         }
         return PictureLike(picture, ConvertPixels(pixels, QImage::Format_RGB32), ColourModel::Rgb);
     case ColourModel::Palette:
-        return PictureLike(picture,
-                           ConvertPixels(pixels, pixels.hasAlphaChannel() ? QImage::Format_ARGB32
-                                                                         : QImage::Format_RGB32),
-                           ColourModel::Rgb);
+        return PictureLike(
+            picture,
+            ConvertPixels(pixels,
+                          pixels.hasAlphaChannel() ? QImage::Format_ARGB32 : QImage::Format_RGB32),
+            ColourModel::Rgb);
     case ColourModel::Cmyk:
         return PictureLike(picture, picture.ToDisplay(), ColourModel::Rgb);
     default:
@@ -249,10 +259,8 @@ void ForBands(int height, int rows, const std::function<void(int top, int bottom
 
 int BandRows(const cv::Mat& pixels)
 {
-    return int(std::clamp<size_t>(kBandBytes / std::max<size_t>(pixels.elemSize()
-                                                                    * size_t(pixels.cols),
-                                                                1),
-                                  16, 1024));
+    return int(std::clamp<size_t>(
+        kBandBytes / std::max<size_t>(pixels.elemSize() * size_t(pixels.cols), 1), 16, 1024));
 }
 
 void KeepFourthChannel(const cv::Mat& in, cv::Mat& out)

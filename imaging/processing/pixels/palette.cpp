@@ -1,6 +1,6 @@
-#include "imaging/processing/palette.h"
+#include "imaging/processing/pixels/palette.h"
 #include "core/failure.h"
-#include "imaging/processing/pixel_work.h"
+#include "imaging/processing/pixels/pixel_work.h"
 #include <QHash>
 #include <algorithm>
 #include <array>
@@ -109,9 +109,8 @@ std::optional<QImage> ExactPalette(const QImage& pixels, int most)
         }
     }
     QList<QRgb> sorted = colours.Colours();
-    std::sort(sorted.begin(), sorted.end(), [](QRgb a, QRgb b) {
-        return std::pair(qGray(a), a) < std::pair(qGray(b), b);
-    });
+    std::sort(sorted.begin(), sorted.end(),
+              [](QRgb a, QRgb b) { return std::pair(qGray(a), a) < std::pair(qGray(b), b); });
     FewColours places;
     for (const QRgb colour : sorted) {
         places.Add(colour, most);
@@ -122,24 +121,23 @@ std::optional<QImage> ExactPalette(const QImage& pixels, int most)
         const QRgb* in = reinterpret_cast<const QRgb*>(pixels.constScanLine(y));
         uchar* out = result.scanLine(y);
         for (int x = 0; x < pixels.width(); ++x) {
-            out[x] = x > 0 && in[x] == in[x - 1] ? out[x - 1]
-                                                 : uchar(places.Add(in[x] | opaque, most));
+            out[x] =
+                x > 0 && in[x] == in[x - 1] ? out[x - 1] : uchar(places.Add(in[x] | opaque, most));
         }
     }
     return result;
 }
 
-QImage ReducedPalette(const QImage& pixels, int most, const QList<QRgb>& given,
-                      DitherChoice dither)
+QImage ReducedPalette(const QImage& pixels, int most, const QList<QRgb>& given, DitherChoice dither)
 {
     const auto attributes = CheckQuantizer(liq_attr_create());
     const bool large = qint64(pixels.width()) * pixels.height() > kQuantizerLargePixels;
     CheckQuantizer(liq_set_max_colors(attributes.get(), most));
     CheckQuantizer(
         liq_set_speed(attributes.get(), large ? kQuantizerSpeedOfLarge : kQuantizerSpeed));
-    const auto image = CheckQuantizer(liq_image_create_custom(
-        attributes.get(), QuantizerRow, const_cast<QImage*>(&pixels), pixels.width(),
-        pixels.height(), 0));
+    const auto image = CheckQuantizer(liq_image_create_custom(attributes.get(), QuantizerRow,
+                                                              const_cast<QImage*>(&pixels),
+                                                              pixels.width(), pixels.height(), 0));
     for (const QRgb colour : given) {
         CheckQuantizer(liq_image_add_fixed_color(image.get(), QuantizerColour(colour)));
     }

@@ -1,5 +1,5 @@
-#include "imaging/processing/warp.h"
-#include "imaging/processing/colour_pixels.h"
+#include "imaging/processing/pixels/warp.h"
+#include "imaging/processing/pixels/colour_pixels.h"
 #include <algorithm>
 #include <cmath>
 #include <opencv2/imgproc.hpp>

@@ -1,5 +1,5 @@
 #pragma once
-// Pictures of few colours, by the library for colour reduction; for the files of this folder alone.
+// Pictures of few colours, by the library for colour reduction; for imaging/processing/ alone.
 #include "imaging/bitmap.h"
 #include "imaging/processing/depth.h"
 #include <optional>

@@ -1,6 +1,6 @@
 #pragma once
-// Tables of values and the loops that apply them; for the files of this folder alone.
-#include "imaging/processing/pixel_work.h"
+// Tables of values and the loops that apply them; for imaging/processing/ alone.
+#include "imaging/processing/pixels/pixel_work.h"
 #include <vector>
 
 namespace quillane::processing {
@@ -14,8 +14,8 @@ LevelTable TableOf(int levels, const std::function<double(double)>& curve);
 
 /// What a picture's values are, or those of a part of it.
 struct LevelCounts {
-    std::vector<qint64> intensity;     ///< pixels of each intensity
-    std::vector<qint64> channels[3];   ///< red, green, blue; the same as intensity for grey
+    std::vector<qint64> intensity;   ///< pixels of each intensity
+    std::vector<qint64> channels[3]; ///< red, green, blue; the same as intensity for grey
     qint64 pixels = 0;
     /// Mean intensity, 0..1; 0 without pixels.
     double Mean() const;

@@ -1,4 +1,4 @@
-#include "imaging/processing/levels.h"
+#include "imaging/processing/pixels/levels.h"
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -139,16 +139,15 @@ double LevelCounts::Mean() const
 LevelCounts CountLevels(const Bitmap& picture, const Region* region, CountedLevels wanted)
 {
     const QImage& pixels = picture.Pixels();
-    const Region part = region ? region->ClippedTo(pixels.size())
-                               : Region::Rectangle(pixels.size(), 0, 0, pixels.width(),
-                                                   pixels.height());
+    const Region part = region
+        ? region->ClippedTo(pixels.size())
+        : Region::Rectangle(pixels.size(), 0, 0, pixels.width(), pixels.height());
     LevelCounts counts;
     const size_t levels = pixels.depth() == 16 || pixels.depth() == 64 ? 65536 : 256;
     const bool grey = picture.Model() == ColourModel::Grey;
     const size_t kinds = grey || wanted == CountedLevels::Intensity ? 1 : 3;
-    std::vector<qint64>* const sums[3] = {
-        kinds == 1 ? &counts.intensity : &counts.channels[0], &counts.channels[1],
-        &counts.channels[2]};
+    std::vector<qint64>* const sums[3] = {kinds == 1 ? &counts.intensity : &counts.channels[0],
+                                          &counts.channels[1], &counts.channels[2]};
     for (size_t i = 0; i < kinds; ++i) {
         sums[i]->assign(levels, 0);
     }
@@ -156,8 +155,8 @@ LevelCounts CountLevels(const Bitmap& picture, const Region* region, CountedLeve
         std::mutex mutex;
         CallLibrary([&] {
             const QRect bounds = part.Bounds();
-            const cv::Mat in = ReadView(pixels)(
-                cv::Rect(bounds.x(), bounds.y(), bounds.width(), bounds.height()));
+            const cv::Mat in =
+                ReadView(pixels)(cv::Rect(bounds.x(), bounds.y(), bounds.width(), bounds.height()));
             const cv::Mat mask = part.IsRectangle() ? cv::Mat() : ReadView(part.Mask());
             // Few bands: each fills tables of its own.
             ForBands(in.rows, std::max(64, in.rows / 16), [&](int top, int bottom) {

@@ -1,6 +1,6 @@
 #pragma once
-// Pixels taken from other places, mixed from the four nearest; for the files of this folder alone.
-#include "imaging/processing/pixel_work.h"
+// Pixels taken from other places, mixed from the four nearest; for imaging/processing/ alone.
+#include "imaging/processing/pixels/pixel_work.h"
 
 namespace quillane::processing {
 
