@@ -8,15 +8,18 @@ namespace {
 // Formats with an unmistakable beginning stand first. A DICOM file may carry the beginning of a
 // TIFF in its preamble, so it is asked before TIFF.
 constexpr Codec kCodecTable[] = {
-    {"JPEG", "JPG JPEG JPE JFIF", codecs::JpegMatches, codecs::JpegProbe, codecs::JpegDecode,
-     false},
-    {"PNG", "PNG", codecs::PngMatches, codecs::PngProbe, codecs::PngDecode, false},
-    {"GIF", "GIF", codecs::GifMatches, codecs::GifProbe, codecs::GifDecode, false},
+    {"JPEG", "JPG JPEG JPE JFIF", codecs::JpegMatches, codecs::JpegProbe, codecs::JpegDecode, false,
+     codecs::JpegEncode},
+    {"PNG", "PNG", codecs::PngMatches, codecs::PngProbe, codecs::PngDecode, false,
+     codecs::PngEncode},
+    {"GIF", "GIF", codecs::GifMatches, codecs::GifProbe, codecs::GifDecode, false,
+     codecs::GifEncode},
     {"DICOM", "DIC DCM", codecs::DicomMatches, nullptr, nullptr, true},
     {"TIFF", "TIF TIFF", codecs::TiffMatches, nullptr, nullptr, true, nullptr, true},
     {"WMF", "WMF", codecs::WmfMatches, codecs::WmfProbe, codecs::WmfDecode, false},
     {"EMF", "EMF", codecs::EmfMatches, codecs::EmfProbe, codecs::EmfDecode, false},
-    {"BMP", "BMP DIB RLE", codecs::BmpMatches, codecs::BmpProbe, codecs::BmpDecode, false},
+    {"BMP", "BMP DIB RLE", codecs::BmpMatches, codecs::BmpProbe, codecs::BmpDecode, false,
+     codecs::BmpEncode},
     {"ICO", "ICO CUR", codecs::IcoMatches, codecs::IcoProbe, codecs::IcoDecode, false},
     {"PNM", "PBM PGM PPM PNM", codecs::PnmMatches, codecs::PnmProbe, codecs::PnmDecode, false},
 };

@@ -10,6 +10,8 @@ bool JpegMatches(QByteArrayView head, QStringView extension);
 ImageFacts JpegProbe(ByteSource& source);
 /// Codec::decode of the same.
 Bitmap JpegDecode(ByteSource& source, const DecodeRequest& request);
+/// Codec::encode: codes 10, 21, 23, 98 and 101 without their Exif block.
+QByteArray JpegEncode(const Bitmap& picture, const EncodeRequest& request);
 
 /// Codec::matches of PNG.
 bool PngMatches(QByteArrayView head, QStringView extension);
@@ -17,6 +19,8 @@ bool PngMatches(QByteArrayView head, QStringView extension);
 ImageFacts PngProbe(ByteSource& source);
 /// Codec::decode of the same.
 Bitmap PngDecode(ByteSource& source, const DecodeRequest& request);
+/// Codec::encode of the same.
+QByteArray PngEncode(const Bitmap& picture, const EncodeRequest& request);
 
 /// Codec::matches of GIF: the first frame on its screen.
 bool GifMatches(QByteArrayView head, QStringView extension);
@@ -24,6 +28,8 @@ bool GifMatches(QByteArrayView head, QStringView extension);
 ImageFacts GifProbe(ByteSource& source);
 /// Codec::decode of the same.
 Bitmap GifDecode(ByteSource& source, const DecodeRequest& request);
+/// Codec::encode: one frame.
+QByteArray GifEncode(const Bitmap& picture, const EncodeRequest& request);
 
 /// Codec::matches of BMP of Windows and OS/2.
 bool BmpMatches(QByteArrayView head, QStringView extension);
@@ -31,6 +37,8 @@ bool BmpMatches(QByteArrayView head, QStringView extension);
 ImageFacts BmpProbe(ByteSource& source);
 /// Codec::decode of the same.
 Bitmap BmpDecode(ByteSource& source, const DecodeRequest& request);
+/// Codec::encode: codes 6, 14, 74 and 84.
+QByteArray BmpEncode(const Bitmap& picture, const EncodeRequest& request);
 
 /// Codec::matches of Windows icons and cursors: the first picture of the file.
 bool IcoMatches(QByteArrayView head, QStringView extension);

@@ -13,7 +13,7 @@ constexpr char kJpegName[] = "JPEG";
 /// The codes nearest to a picture's sampling; a code stands for all that is sampled as coarsely.
 qint16 JpegFormatCode(const JpegHeader& header)
 {
-    const int shared = header.components == 3 ? header.across * header.down : 1;
+    const int shared = header.components >= 3 ? header.across * header.down : 1;
     if (header.exif.directory) {
         return shared > 2 ? 101 : 98;
     }

@@ -48,8 +48,6 @@ struct JpegSession::Run {
 
 namespace {
 
-/// A picture and the scans it is put together from, in one memory.
-constexpr qint64 kJpegMemory = 500ll << 20;
 constexpr int kJpegManyScans = 20; ///< more than any encoder writes
 constexpr int kJpegMaxScans = 1000;
 /// Blocks of 8 x 8 visited by all scans together, beyond what encoders write: about a second.

@@ -6,6 +6,9 @@
 
 namespace quillane::codecs {
 
+/// A picture and the scans it is put together from, in one memory: bytes at most.
+inline constexpr qint64 kJpegMemory = 500ll << 20;
+
 enum class JpegTrouble : quint8 { None, Damage, Cancelled, Scans, Memory };
 enum class JpegPixels : quint8 { Grey, Bgra, Cmyk };
 
