@@ -3,6 +3,7 @@
 #include "imaging/codec.h"
 #include "imaging/encode_pixels.h"
 #include "imaging/format_table.h"
+#include "imaging/worker/worker_host.h"
 #include <algorithm>
 #include <cstring>
 #include <new>
@@ -99,7 +100,7 @@ QByteArray EncodePicture(const Bitmap& picture, const EncodeRequest& request)
 {
     const SaveVariant* variant = FindSaveVariant(request.format);
     const Codec* codec = variant ? EncodeCodec(*variant) : nullptr;
-    if (!codec || !codec->encode) {
+    if (!codec || (!codec->encode && !codec->encodesInWorker)) {
         throw Failure(kFailureGeneral,
                       QStringLiteral("\"%1\" cannot be written. Choose another format.")
                           .arg(EncodeName(request.format)));
@@ -111,7 +112,8 @@ QByteArray EncodePicture(const Bitmap& picture, const EncodeRequest& request)
     exact.bits = WrittenDepth(*variant, picture, request.bits);
     try {
         const Bitmap ready = PixelsFor(*variant, picture, exact.bits, exact.icc);
-        return codec->encode(ready, exact);
+        return codec->encodesInWorker ? worker::Encode(ready, exact, codec->name)
+                                      : codec->encode(ready, exact);
     } catch (const std::bad_alloc&) {
         throw Failure(kFailureLimit,
                       QStringLiteral("There is not enough memory to write the picture."));

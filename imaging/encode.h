@@ -45,6 +45,7 @@ enum VariantTrait : quint8 {
     kHoldsProfile = 4, ///< embeds a colour profile
     kGreyIn8 = 8,      ///< up to 8 bits are grey; else a palette, or grey where the picture is
     kInkIn32 = 16,     ///< 32 bits are CMYK; else colours with transparency
+    kInkKept = 32,     ///< of a picture in CMYK, 32 bits are CMYK too
 };
 
 /// Every format code that can be written, by code.

@@ -25,9 +25,11 @@ bool EncodeHasAlpha(const Bitmap& picture)
     return picture.Model() != ColourModel::Cmyk && picture.Pixels().hasAlphaChannel();
 }
 
-bool EncodeIsInk(const SaveVariant& variant, qint32 bits)
+bool EncodeIsInk(const SaveVariant& variant, const Bitmap& picture, qint32 bits)
 {
-    return variant.colour == StoredColour::Cmyk || ((variant.traits & kInkIn32) && bits == 32);
+    const bool kept = (variant.traits & kInkKept) != 0 && picture.Model() == ColourModel::Cmyk;
+    return variant.colour == StoredColour::Cmyk
+        || (bits == 32 && (kept || (variant.traits & kInkIn32) != 0));
 }
 
 bool EncodeBecomesGrey(const SaveVariant& variant, const Bitmap& picture, qint32 bits)
@@ -313,7 +315,7 @@ bool EncodeKeepsProfile(const SaveVariant& variant, const Bitmap& picture, qint3
     if ((variant.traits & kHoldsProfile) == 0) {
         return false;
     }
-    if (EncodeIsInk(variant, bits)) {
+    if (EncodeIsInk(variant, picture, bits)) {
         return space == "CMYK" && picture.Model() == ColourModel::Cmyk;
     }
     if (picture.Model() == ColourModel::Cmyk) {
@@ -352,12 +354,12 @@ Bitmap PixelsFor(const SaveVariant& variant, const Bitmap& picture, qint32 bits,
         icc.clear();
         const bool wide = picture.Pixels().depth() == 64
             || picture.Pixels().format() == QImage::Format_Grayscale16;
-        const bool ink = picture.Model() == ColourModel::Cmyk && !EncodeIsInk(variant, bits);
+        const bool ink = picture.Model() == ColourModel::Cmyk && !EncodeIsInk(variant, picture, bits);
         if (ink || (!picture.Icc().isEmpty() && !wide && picture.Model() != ColourModel::Cmyk)) {
             from = EncodeShown(picture);
         }
     }
-    if (EncodeIsInk(variant, bits)) {
+    if (EncodeIsInk(variant, picture, bits)) {
         return EncodeInk(from);
     }
     if (bits == 1) {

@@ -6,22 +6,43 @@ namespace {
 
 // clang-format off
 using enum StoredColour;
+using enum CommentCarrier;
+constexpr CommentCarrier kBare = CommentCarrier::None;
 constexpr quint8 kJpegTraits = kGreyIn8 | kInkIn32 | kHoldsProfile;
 
 /// One row for every format code that can be written, by code.
 constexpr SaveVariant kSaveVariants[] = {
-    // code  codec  extension  colours  depths                            lossy  stamp  comments
-    {2,   "GIF",  ".gif", Any,   {1, 2, 3, 4, 5, 6, 7, 8},            false, false, CommentCarrier::Gif},
-    {6,   "BMP",  ".bmp", Any,   {1, 4, 8, 16, 24, 32},               false, false, CommentCarrier::None, kColourIn16},
-    {10,  "JPEG", ".jpg", YCbCr, {8, 24, 32},                         true,  false, CommentCarrier::Jpeg, kJpegTraits},
-    {14,  "BMP",  ".bmp", Any,   {1, 4, 8, 24},                       false, false, CommentCarrier::None},
-    {21,  "JPEG", ".jpg", YCbCr, {8, 24, 32},                         true,  false, CommentCarrier::Jpeg, kJpegTraits},
-    {23,  "JPEG", ".jpg", YCbCr, {8, 24, 32},                         true,  false, CommentCarrier::Jpeg, kJpegTraits},
-    {74,  "BMP",  ".bmp", Any,   {1, 4, 8, 24},                       false, false, CommentCarrier::None},
-    {75,  "PNG",  ".png", Any,   {1, 2, 4, 8, 16, 24, 32, 48, 64},    false, false, CommentCarrier::Png,  kBlendedGrey | kHoldsProfile},
-    {84,  "BMP",  ".bmp", Any,   {4, 8},                              false, false, CommentCarrier::None},
-    {98,  "JPEG", ".jpg", YCbCr, {8, 24, 32},                         true,  true,  CommentCarrier::Jpeg, kJpegTraits},
-    {101, "JPEG", ".jpg", YCbCr, {8, 24, 32},                         true,  true,  CommentCarrier::Jpeg, kJpegTraits},
+    // code, codec, extension, colours, depths, lossy, stamp, comments, traits
+    {2,   "GIF",    ".gif",  Any,   {1, 2, 3, 4, 5, 6, 7, 8},         false, false, Gif,   0},
+    {3,   "TIFF",   ".tif",  Any,   {1, 4, 8, 16, 24, 32, 48, 64},    false, true,  Tiff,  kHoldsProfile | kInkKept},
+    {6,   "BMP",    ".bmp",  Any,   {1, 4, 8, 16, 24, 32},            false, false, kBare, kColourIn16},
+    {10,  "JPEG",   ".jpg",  YCbCr, {8, 24, 32},                      true,  false, Jpeg,  kJpegTraits},
+    {11,  "TIFF",   ".tif",  YCbCr, {8, 24, 32},                      true,  true,  Tiff,  kJpegTraits},
+    {14,  "BMP",    ".bmp",  Any,   {1, 4, 8, 24},                    false, false, kBare, 0},
+    {17,  "TIFF",   ".tif",  Any,   {1, 4, 8, 16, 24, 32, 48, 64},    false, true,  Tiff,  kHoldsProfile},
+    {21,  "JPEG",   ".jpg",  YCbCr, {8, 24, 32},                      true,  false, Jpeg,  kJpegTraits},
+    {22,  "TIFF",   ".tif",  YCbCr, {24},                             true,  true,  Tiff,  kHoldsProfile},
+    {23,  "JPEG",   ".jpg",  YCbCr, {8, 24, 32},                      true,  false, Jpeg,  kJpegTraits},
+    {24,  "TIFF",   ".tif",  YCbCr, {24},                             true,  true,  Tiff,  kHoldsProfile},
+    {25,  "TIFF",   ".tif",  Grey,  {1},                              false, true,  Tiff,  0},
+    {27,  "TIFF",   ".tif",  Grey,  {1},                              false, true,  Tiff,  0},
+    {28,  "TIFF",   ".tif",  Grey,  {1},                              false, true,  Tiff,  0},
+    {29,  "TIFF",   ".tif",  Grey,  {1},                              false, true,  Tiff,  0},
+    {74,  "BMP",    ".bmp",  Any,   {1, 4, 8, 24},                    false, false, kBare, 0},
+    {75,  "PNG",    ".png",  Any,   {1, 2, 4, 8, 16, 24, 32, 48, 64}, false, false, Png,   kBlendedGrey | kHoldsProfile},
+    {84,  "BMP",    ".bmp",  Any,   {4, 8},                           false, false, kBare, 0},
+    {85,  "TIFF",   ".tif",  Cmyk,  {32},                             false, true,  Tiff,  kHoldsProfile},
+    {86,  "TIFF",   ".tif",  Cmyk,  {32},                             false, true,  Tiff,  kHoldsProfile},
+    {87,  "TIFF",   ".tif",  Any,   {1, 4, 8, 16, 24, 32, 48, 64},    false, true,  Tiff,  kHoldsProfile},
+    {88,  "TIFF",   ".tif",  Cmyk,  {32},                             false, true,  Tiff,  kHoldsProfile},
+    {93,  "TIFF",   ".tif",  YCbCr, {24},                             true,  true,  Tiff,  kHoldsProfile},
+    {94,  "TIFF",   ".tif",  YCbCr, {24},                             true,  true,  Tiff,  kHoldsProfile},
+    {95,  "TIFF",   ".tif",  YCbCr, {24},                             true,  true,  Tiff,  kHoldsProfile},
+    {96,  "TIFF",   ".tif",  Any,   {24, 32, 48, 64},                 false, true,  Tiff,  kHoldsProfile},
+    {97,  "TIFF",   ".tif",  YCbCr, {24},                             true,  true,  Tiff,  kHoldsProfile},
+    {98,  "JPEG",   ".jpg",  YCbCr, {8, 24, 32},                      true,  true,  Jpeg,  kJpegTraits},
+    {101, "JPEG",   ".jpg",  YCbCr, {8, 24, 32},                      true,  true,  Jpeg,  kJpegTraits},
+    {139, "TIFF",   ".tif",  Grey,  {1},                              false, true,  Tiff,  0},
 };
 // clang-format on
 

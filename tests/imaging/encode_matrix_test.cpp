@@ -49,7 +49,18 @@ qint16 CodeReadBack(const SaveVariant& variant, qint32 bits)
     if (std::string(variant.codec) == "JPEG" && bits == 8) {
         return 10;
     }
-    return variant.format == 98 ? qint16(23) : variant.format == 101 ? qint16(21) : variant.format;
+    switch (variant.format) {
+    case 96:
+        return 3;
+    case 97:
+        return 93;
+    case 98:
+        return 23;
+    case 101:
+        return 21;
+    default:
+        return variant.format;
+    }
 }
 
 /// Decibels that a lossy variant keeps at its best quality, by what it does to colours.
@@ -60,8 +71,14 @@ double LeastPsnr(const SaveVariant& variant, qint32 bits)
     }
     switch (variant.format) {
     case 10:
+    case 11:
         return 45;
     case 23:
+    case 24:
+    case 93:
+    case 94:
+    case 95:
+    case 97:
     case 98:
         return 35;
     default:
