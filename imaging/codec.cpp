@@ -1,5 +1,6 @@
 #include "imaging/codec.h"
 #include "imaging/codecs/codecs.h"
+#include "imaging/codecs/legacy_codecs.h"
 
 namespace quillane {
 
@@ -22,6 +23,17 @@ constexpr Codec kCodecTable[] = {
      codecs::BmpEncode},
     {"ICO", "ICO CUR", codecs::IcoMatches, codecs::IcoProbe, codecs::IcoDecode, false},
     {"PNM", "PBM PGM PPM PNM", codecs::PnmMatches, codecs::PnmProbe, codecs::PnmDecode, false},
+    {"PSD", "PSD PSB", codecs::PsdMatches, codecs::PsdProbe, codecs::PsdDecode, false},
+    {"IFF", "IFF LBM ILBM", codecs::IffMatches, codecs::IffProbe, codecs::IffDecode, false},
+    {"Sun raster", "RAS SUN IM1 IM8 IM24", codecs::SunMatches, codecs::SunProbe, codecs::SunDecode,
+     false},
+    {"SGI", "SGI RGB BW RGBA", codecs::SgiMatches, codecs::SgiProbe, codecs::SgiDecode, false},
+    {"MSP", "MSP", codecs::MspMatches, codecs::MspProbe, codecs::MspDecode, false},
+    {"PCX", "PCX", codecs::PcxMatches, codecs::PcxProbe, codecs::PcxDecode, false},
+    {"MacPaint", "MAC PNTG", codecs::MacMatches, codecs::MacProbe, codecs::MacDecode, false},
+    {"GEM image", "IMG", codecs::GemMatches, codecs::GemProbe, codecs::GemDecode, false},
+    {"TARGA", "TGA ICB VDA VST TARGA", codecs::TgaMatches, codecs::TgaProbe, codecs::TgaDecode,
+     false},
 };
 
 } // namespace

@@ -20,10 +20,11 @@ void Replay(const QByteArray& bytes)
 }
 
 /// Whether a made picture is one of the fuzzed codec's.
-bool IsOfCodec(const QByteArray& bytes)
+bool IsOfCodec(const QByteArray& bytes, const QString& name)
 {
-    const quillane::Codec* codec =
-        quillane::FindCodec(QByteArrayView(bytes).first(qMin<qsizetype>(bytes.size(), 512)), u"");
+    const QString extension = name.section('.', -1);
+    const quillane::Codec* codec = quillane::FindCodec(
+        QByteArrayView(bytes).first(qMin<qsizetype>(bytes.size(), 512)), extension);
     return codec && std::strcmp(codec->name, kFuzzedCodec) == 0;
 }
 
@@ -51,9 +52,10 @@ int main(int argc, char** argv)
 {
     using namespace quillane;
     std::mt19937 chance(7); // the same damage at every run
-    for (const QByteArray& bytes : making::MadePictures()) {
-        if (IsOfCodec(bytes)) {
-            ReplayMade(bytes, chance);
+    const QMap<QString, QByteArray> made = making::MadePictures();
+    for (auto i = made.begin(); i != made.end(); ++i) {
+        if (IsOfCodec(i.value(), i.key())) {
+            ReplayMade(i.value(), chance);
         }
     }
     for (int i = 1; i < argc; ++i) {

@@ -90,11 +90,12 @@ struct HostileCount {
 
 /// Probes and decodes; anything but a Failure with words or a picture of sane size is a failure
 /// of the test.
-void HostileTry(const QByteArray& bytes, const std::string& name, HostileCount& count,
-                const std::atomic<bool>* cancelled)
+void HostileTry(const QByteArray& bytes, const QString& file, const std::string& name,
+                HostileCount& count, const std::atomic<bool>* cancelled)
 {
-    const Codec* codec = FindCodec(
-        QByteArrayView(bytes).first(std::min<qsizetype>(512, bytes.size())), QStringView());
+    const QString extension = file.section('.', -1);
+    const Codec* codec =
+        FindCodec(QByteArrayView(bytes).first(std::min<qsizetype>(512, bytes.size())), extension);
     if (!codec || codec->inWorker) {
         return;
     }
@@ -157,7 +158,7 @@ TEST(HostileFiles, EverySampleIsRefusedOrShownWithinItsLimits)
     HostileCount count;
     const HostileWatch watch;
     for (auto i = files.begin(); i != files.end(); ++i) {
-        HostileTry(i.value(), i.key().toStdString(), count, &watch.expired);
+        HostileTry(i.value(), i.key(), i.key().toStdString(), count, &watch.expired);
     }
     std::cout << files.size() << " files: " << count.refused << " refused, " << count.partial
               << " partial, " << count.whole << " whole\n";
@@ -175,7 +176,7 @@ TEST(HostileFiles, TruncationsOfEverySampleAtTwentyPlaces)
     const HostileWatch watch;
     for (auto i = files.begin(); i != files.end(); ++i) {
         for (int part = 0; part < 20; ++part) {
-            HostileTry(i.value().left(i.value().size() * part / 20),
+            HostileTry(i.value().left(i.value().size() * part / 20), i.key(),
                        i.key().toStdString() + " cut at " + std::to_string(part) + "/20", count,
                        &watch.expired);
         }
@@ -204,8 +205,8 @@ TEST(HostileFiles, DamagedBytesOfEveryMadePicture)
                 const qsizetype at = qsizetype(chance() % reach);
                 bytes[at] = chance() % 3 == 0 ? '\xff' : char(chance());
             }
-            HostileTry(bytes, i.key().toStdString() + " round " + std::to_string(round), count,
-                       &watch.expired);
+            HostileTry(bytes, i.key(), i.key().toStdString() + " round " + std::to_string(round),
+                       count, &watch.expired);
         }
     }
     std::cout << count.refused << " refused, " << count.partial << " partial, " << count.whole

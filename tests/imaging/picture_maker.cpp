@@ -1,5 +1,6 @@
 #include "picture_maker.h"
 #include "drawn_maker.h"
+#include "legacy_maker.h"
 #include <QColorSpace>
 #include <algorithm>
 #include <cstdio>
@@ -326,6 +327,7 @@ QMap<QString, QByteArray> MadePictures()
                      + Little(8, 2) + QByteArray(24, '\0') + QByteArray(1024, 'c')
                      + QByteArray(16 * 8 + 4 * 8, '\3'));
     files.insert(MadeDrawings());
+    files.insert(MadeLegacyPictures());
     return files;
 }
 

@@ -1,0 +1,71 @@
+#pragma once
+// The functions behind the codec table for formats that few programs still write; see Codec in
+// imaging/codec.h for what each promises.
+#include "imaging/codec.h"
+
+namespace quillane::codecs {
+
+/// Codec::matches of PCX of every depth.
+bool PcxMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts PcxProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap PcxDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of TARGA; told by its name.
+bool TgaMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts TgaProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap TgaDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of Sun raster files.
+bool SunMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts SunProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap SunDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of Silicon Graphics images.
+bool SgiMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts SgiProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap SgiDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of MacPaint, with or without its wrapper.
+bool MacMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts MacProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap MacDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of Microsoft Paint of both versions.
+bool MspMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts MspProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap MspDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of GEM images, plain and extended.
+bool GemMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts GemProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap GemDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of interchange files: the first picture, or that of a page.
+bool IffMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts IffProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap IffDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of Photoshop files: the merged picture.
+bool PsdMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts PsdProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap PsdDecode(ByteSource& source, const DecodeRequest& request);
+
+} // namespace quillane::codecs

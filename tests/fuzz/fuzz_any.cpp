@@ -1,0 +1,9 @@
+// The target of a codec that the build names.
+#include "fuzz_codec.h"
+
+const char* const kFuzzedCodec = QUILLANE_FUZZED_CODEC;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    return quillane::fuzz::RunCodec(kFuzzedCodec, data, size);
+}
