@@ -15,6 +15,8 @@ constexpr Codec kCodecTable[] = {
      codecs::PngEncode},
     {"GIF", "GIF", codecs::GifMatches, codecs::GifProbe, codecs::GifDecode, false,
      codecs::GifEncode},
+    {"JPEG 2000", "JP2 J2K JPC J2C", codecs::Jpeg2000Matches, nullptr, nullptr, true, nullptr,
+     true},
     {"DICOM", "DIC DCM", codecs::DicomMatches, nullptr, nullptr, true},
     {"TIFF", "TIF TIFF", codecs::TiffMatches, nullptr, nullptr, true, nullptr, true},
     {"WMF", "WMF", codecs::WmfMatches, codecs::WmfProbe, codecs::WmfDecode, false},

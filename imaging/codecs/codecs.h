@@ -68,6 +68,8 @@ ImageFacts EmfProbe(ByteSource& source);
 /// Codec::decode of the same.
 Bitmap EmfDecode(ByteSource& source, const DecodeRequest& request);
 
+/// Codec::matches of JPEG 2000, with boxes or as a bare codestream.
+bool Jpeg2000Matches(QByteArrayView head, QStringView extension);
 /// Codec::matches of TIFF and BigTIFF in either byte order.
 bool TiffMatches(QByteArrayView head, QStringView extension);
 /// Codec::matches of DICOM, with its preamble or, by the extension, without.

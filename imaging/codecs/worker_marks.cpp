@@ -61,6 +61,16 @@ bool TiffMatches(QByteArrayView head, QStringView)
     return MarkIsTiff(head);
 }
 
+bool Jpeg2000Matches(QByteArrayView head, QStringView)
+{
+    static constexpr char kFile[] = {0, 0, 0, 12, 'j', 'P', ' ', ' ', '\r', '\n', '\x87', '\n'};
+    static constexpr char kStream[] = {'\xff', '\x4f', '\xff', '\x51'};
+    const auto begins = [head](const char* mark, size_t bytes) {
+        return size_t(head.size()) >= bytes && std::memcmp(head.data(), mark, bytes) == 0;
+    };
+    return begins(kFile, sizeof(kFile)) || begins(kStream, sizeof(kStream));
+}
+
 bool DicomMatches(QByteArrayView head, QStringView extension)
 {
     if (head.size() >= kDicomMarkAt + 4

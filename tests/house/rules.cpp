@@ -82,6 +82,7 @@ const Library kLibraries[] = {
     {"tiff.h", {"imaging/worker_main/"}},
     {"tiffio.h", {"imaging/worker_main/"}},
     {"dcmtk/", {"imaging/worker_main/"}},
+    {"openjpeg.h", {"imaging/worker_main/"}},
     {"seccomp.h", {"imaging/worker_main/"}},
 };
 

@@ -14,10 +14,16 @@ ImageFacts ProbeDicom(ByteSource& source);
 bool DecodeDicom(ByteSource& source, const PictureWish& wish, PictureSink& sink);
 void ReadDicomComments(ByteSource& source, const TextVisitor& visit);
 
+/// JPEG 2000, through OpenJPEG.
+ImageFacts ProbeJpeg2000(ByteSource& source);
+bool DecodeJpeg2000(ByteSource& source, const PictureWish& wish, PictureSink& sink);
+void EncodeJpeg2000(PictureRows& picture, const EncodeWish& wish, FileSink& file);
+
 /// What the shipped decoding process serves.
 inline constexpr WorkerCodec kShippedCodecs[] = {
     {"TIFF", nullptr, ProbeTiff, DecodeTiff, nullptr, EncodeTiff},
     {"DICOM", PrepareDicom, ProbeDicom, DecodeDicom, ReadDicomComments},
+    {"JPEG 2000", nullptr, ProbeJpeg2000, DecodeJpeg2000, nullptr, EncodeJpeg2000},
 };
 
 } // namespace quillane::worker
