@@ -125,7 +125,7 @@ TEST_F(Jpeg2000, ResolutionAndProfileComeBackInAFileWithBoxes)
                  QStringLiteral("-CaptureYResolution"), path});
     ASSERT_TRUE(told.has_value());
     // Thousands of dots a metre.
-    EXPECT_EQ(*told, "20\n1.181102\n0.1 mm\n0.283464\n");
+    EXPECT_EQ(*told, "20\n1.181102\n0.1 mm\n0.2834646\n");
 }
 
 TEST_F(Jpeg2000, AnotherReaderSeesTheSamePixels)
