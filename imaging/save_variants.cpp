@@ -43,7 +43,7 @@ constexpr SaveVariant kSaveVariants[] = {
     {98,  "JPEG",   ".jpg",  YCbCr, {8, 24, 32},                      true,  true,  Jpeg,  kJpegTraits},
     {101, "JPEG",   ".jpg",  YCbCr, {8, 24, 32},                      true,  true,  Jpeg,  kJpegTraits},
     {139, "TIFF",   ".tif",  Grey,  {1},                              false, true,  Tiff,  0},
-    {163, "JPEG 2000", ".jp2", Any,  {8, 16, 24, 32, 48, 64},          true,  false, kBare, kGreyIn8 | kInkIn32 | kHoldsProfile},
+    {163, "JPEG 2000", ".jp2", Any,  {8, 16, 24, 32, 48, 64},          true,  false, kBare, kGreyIn8 | kInkKept | kHoldsProfile},
     {164, "JPEG 2000", ".j2k", Any,  {8, 16, 24, 32, 48, 64},          true,  false, kBare, kGreyIn8},
 };
 // clang-format on

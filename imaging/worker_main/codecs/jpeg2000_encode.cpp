@@ -38,7 +38,7 @@ bool IsGreyPalette(const PictureShape& shape)
     });
 }
 
-Jpeg2000Variant ChooseJpeg2000(const PictureShape& shape, qint32 wanted)
+Jpeg2000Variant ChooseJpeg2000(const PictureShape& shape, qint32 wanted, bool boxed)
 {
     qint32 bits = wanted;
     if (bits <= 0) {
@@ -83,7 +83,8 @@ Jpeg2000Variant ChooseJpeg2000(const PictureShape& shape, qint32 wanted)
     case 24:
         return {SampleKind::Rgb8, 3, 8, false};
     case 32:
-        if (shape.layout == PixelLayout::Cmyk32) {
+        // A bare codestream does not tell inks from colours.
+        if (shape.layout == PixelLayout::Cmyk32 && boxed) {
             return {SampleKind::Cmyk8, 4, 8, false};
         }
         return {SampleKind::Rgba8, 4, 8, true};
@@ -342,8 +343,8 @@ void EncodeJpeg2000(PictureRows& picture, const EncodeWish& wish, FileSink& file
         RefuseJpeg2000(
             QStringLiteral("JPEG 2000 files of format %1 cannot be written.").arg(wish.format));
     }
-    const Jpeg2000Variant variant = ChooseJpeg2000(shape, wish.bits);
     const bool boxed = wish.format == kJpeg2000File;
+    const Jpeg2000Variant variant = ChooseJpeg2000(shape, wish.bits, boxed);
     qint64 box = 0;
     if (boxed) {
         const QByteArray head = FileHead(shape, wish, variant);
