@@ -15,15 +15,6 @@ namespace quillane {
 
 namespace {
 
-/// Keywords of texts (PNG 1.2, section 4.2.3) and their slots.
-struct PngKeyword {
-    const char* keyword;
-    qint16 slot;
-};
-constexpr PngKeyword kPngKeywords[] = {
-    {"Author", 0},   {"Copyright", 1}, {"Creation Time", 2}, {"Description", 3}, {"Source", 5},
-    {"Software", 9}, {"Title", 175},   {"Disclaimer", 176},  {"Warning", 177},   {"Comment", 178},
-};
 constexpr int kPngMaxKeyword = 79;
 constexpr int kPngMaxTexts = 32;       ///< texts with such keywords that are looked into
 constexpr int kPngMaxChunks = 200'000; ///< chunks that are walked over
@@ -90,13 +81,7 @@ private:
         char keyword[kPngMaxKeyword + 1] = {};
         const qint64 got = mSource.ReadAt(at, keyword, std::min<qint64>(length, kPngMaxKeyword));
         const size_t size = strnlen(keyword, size_t(got));
-        for (const PngKeyword& known : kPngKeywords) {
-            if (size == std::strlen(known.keyword)
-                && std::memcmp(keyword, known.keyword, size) == 0) {
-                return known.slot;
-            }
-        }
-        return -1;
+        return PngKeywordSlot(QByteArrayView(keyword, qsizetype(size)));
     }
 
     void LiftChunk(qint64 at, qint64 length)

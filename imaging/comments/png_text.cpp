@@ -8,6 +8,16 @@ namespace quillane {
 
 namespace {
 
+/// Keywords of texts (PNG 1.2, section 4.2.3) and their slots.
+struct PngKeyword {
+    const char* keyword;
+    qint16 slot;
+};
+constexpr PngKeyword kPngKeywords[] = {
+    {"Author", 0},   {"Copyright", 1}, {"Creation Time", 2}, {"Description", 3}, {"Source", 5},
+    {"Software", 9}, {"Title", 175},   {"Disclaimer", 176},  {"Warning", 177},   {"Comment", 178},
+};
+
 /// The beginning of a PNG of one grey pixel. The texts of any file are read as if they stood
 /// behind it, so that nothing else of the file has to make sense.
 constexpr unsigned char kPngTextHead[] = {
@@ -16,6 +26,26 @@ constexpr unsigned char kPngTextHead[] = {
 };
 
 } // namespace
+
+qint16 PngKeywordSlot(QByteArrayView keyword)
+{
+    for (const PngKeyword& known : kPngKeywords) {
+        if (keyword == QByteArrayView(known.keyword)) {
+            return known.slot;
+        }
+    }
+    return -1;
+}
+
+const char* PngSlotKeyword(qint16 slot)
+{
+    for (const PngKeyword& known : kPngKeywords) {
+        if (known.slot == slot) {
+            return known.keyword;
+        }
+    }
+    return nullptr;
+}
 
 /// What the library touches. Its errors come back by longjmp, so the function it can jump out of
 /// holds no C++ objects of its own.

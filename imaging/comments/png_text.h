@@ -1,9 +1,15 @@
 #pragma once
 #include <QByteArray>
+#include <QByteArrayView>
 #include <memory>
 #include <span>
 
 namespace quillane {
+
+/// The slot of a text with that keyword, -1 for a keyword without one.
+qint16 PngKeywordSlot(QByteArrayView keyword);
+/// The keyword of a slot's text; nullptr for a slot that no text holds.
+const char* PngSlotKeyword(qint16 slot);
 
 /// Reads text chunks of a PNG (tEXt, zTXt, iTXt) through the PNG library, without the picture
 /// they belong to. One text, also one that is stored compressed, is at most
