@@ -62,7 +62,7 @@ constexpr MenuEntry kMainMenu[] = {
     {"mnuSearch", "mnuFileFiles", u"&Find Files...", Entry, kNotYet, "", "system-search"},
 
     {"mnuTools", "mnuImage", u"View/Enhance Photo", Check, kNotYet},
-    {"mnuTools", "mnuTagEdit", u"Edit Photo Metadata", Check, kNotYet},
+    {"mnuTools", "mnuTagEdit", u"Edit Photo Metadata", Check, kBuilt},
     {"mnuTools", "mnuCustomTool1", u"Custom Tool 1", Check},
     {"mnuTools", "mnuCustomTool2", u"Custom Tool 2", Check},
     {"mnuTools", "mnuCustomTool3", u"Custom Tool 3", Check},
@@ -103,7 +103,7 @@ constexpr MenuEntry kMainMenu[] = {
 
 constexpr MenuEntry kPopupMenu[] = {
     {"mnuPopUp", "mnuPopImage", u"View/Enhance Photo", Entry, kNotYet},
-    {"mnuPopUp", "mnuPopEditTags", u"Edit Photo Metadata", Entry, kNotYet},
+    {"mnuPopUp", "mnuPopEditTags", u"Edit Photo Metadata", Entry, kBuilt},
     {"mnuPopUp", "mnuPopCustomTool1", u"Custom Tool 1"},
     {"mnuPopUp", "mnuPopCustomTool2", u"Custom Tool 2"},
     {"mnuPopUp", "mnuPopCustomTool3", u"Custom Tool 3"},

@@ -36,7 +36,8 @@ void EngineInstance::Adopt(LoadedImage loaded)
 {
     mBitmap = std::move(loaded.bitmap);
     mInfo = std::move(loaded.facts);
-    mPending.clear();
+    mLoaded = std::move(loaded.file);
+    mPending = {};
     mRegion = {};
 }
 
@@ -44,6 +45,50 @@ void EngineInstance::SetBitmap(quillane::Bitmap bitmap)
 {
     mBitmap = std::move(bitmap);
     mRegion = mRegion.ClippedTo(mBitmap.Pixels().size());
+    if (mBitmap.IsNull()) {
+        mLoaded.reset();
+    }
+}
+
+qint32 EngineInstance::Save(const QString& file, qint16 format, qint32 bits, qint32 quality,
+                            qint32 mode)
+{
+    return SaveAs(file, format, bits, quality, mode, nullptr);
+}
+
+qint32 EngineInstance::SaveWithThumbnail(const QString& file, qint16 format, qint32 bits,
+                                         qint32 quality, float stampWidth, float stampHeight,
+                                         qint32 stampBits)
+{
+    const StampWish stamp{QSizeF(stampWidth, stampHeight), stampBits};
+    return SaveAs(file, format, bits, quality, kSaveReplace, &stamp);
+}
+
+qint32 EngineInstance::SaveAs(const QString& file, qint16 format, qint32 bits, qint32 quality,
+                              qint32 mode, const StampWish* stamp)
+{
+    SaveJob job;
+    job.path = file;
+    job.picture = mBitmap;
+    job.request.format = format;
+    job.request.bits = bits;
+    job.request.quality = std::clamp(quality, kBestQuality, kLeastQuality);
+    job.mode = mode;
+    job.comments = mPending;
+    job.loaded = mLoaded;
+    if (stamp) {
+        job.stamp = *stamp;
+    }
+    try {
+        mLoaded = SavePicture(job);
+    } catch (const Failure& failure) {
+        if (mMethodErrors) {
+            throw;
+        }
+        return failure.Number();
+    }
+    mReader.Revalidate();
+    return 0;
 }
 
 void EngineInstance::GetFileInfo(const QString& file, qint32 page, qint32)
@@ -62,22 +107,6 @@ CommentValue EngineInstance::ReadComment(const QString& file, qint32 page, qint1
     CommentValue value;
     EngineStep(mMethodErrors, [&] { value = mReader.ReadComment(file, page, slot); });
     return value;
-}
-
-void EngineInstance::SetComment(qint16 slot, CommentValue value)
-{
-    if (value.IsEmpty()) {
-        mPending.erase(slot);
-    } else {
-        mPending.insert_or_assign(slot, std::move(value));
-    }
-}
-
-const CommentValue& EngineInstance::Comment(qint16 slot) const
-{
-    static const CommentValue none;
-    const auto found = mPending.find(slot);
-    return found == mPending.end() ? none : found->second;
 }
 
 } // namespace quillane

@@ -4,9 +4,9 @@
 #include "imaging/comments/comment_reader.h"
 #include "imaging/reader.h"
 #include "imaging/region.h"
+#include "imaging/saving/saver.h"
 #include <array>
 #include <functional>
-#include <map>
 
 namespace quillane {
 
@@ -22,6 +22,15 @@ public:
               const DecodeRequest& request = {});
     /// Takes over what another thread has loaded, as Load would.
     void Adopt(LoadedImage loaded);
+    /// Writes the image with all pending comments, which stay pending, and what no comment names of
+    /// the file it was loaded from. bits: per pixel in the file, 0 for the image's own; quality:
+    /// 2..255, 2 the best; mode: 0 replaces, 2 creates only, any other appends a page. Returns 0,
+    /// or with method errors off the number of the Failure. See SavePicture for what fails.
+    qint32 Save(const QString& file, qint16 format, qint32 bits, qint32 quality, qint32 mode);
+    /// Save in mode 0 with a small picture embedded, which fits the stamp's size with its shape
+    /// kept; stampBits: 8 grey, else colours.
+    qint32 SaveWithThumbnail(const QString& file, qint16 format, qint32 bits, qint32 quality,
+                             float stampWidth, float stampHeight, qint32 stampBits);
     /// Fills the information values below without loading pixels.
     void GetFileInfo(const QString& file, qint32 page, qint32 flags);
     void SetInfo(const ImageFacts& facts) { mInfo = facts; }
@@ -44,8 +53,9 @@ public:
 
     /// The image; a copy of it is O(1) and independent.
     const quillane::Bitmap& Bitmap() const { return mBitmap; }
-    /// Gives this instance its own copy of a picture; an empty one frees the image.
-    /// The region stays as far as it lies on the new picture.
+    /// Gives this instance its own copy of a picture; an empty one frees the image. The region
+    /// stays as far as it lies on the new picture. What was loaded last is remembered for the
+    /// next save until the image is freed.
     void SetBitmap(quillane::Bitmap bitmap);
     bool HasBitmap() const { return !mBitmap.IsNull(); }
 
@@ -53,8 +63,8 @@ public:
     CommentValue ReadComment(const QString& file, qint32 page, qint16 slot);
     CommentReader& Comments() { return mReader; }
     /// Pending comment of the next save; an empty value clears it.
-    void SetComment(qint16 slot, CommentValue value);
-    const CommentValue& Comment(qint16 slot) const;
+    void SetComment(qint16 slot, CommentValue value) { mPending.Set(slot, std::move(value)); }
+    const CommentValue& Comment(qint16 slot) const { return mPending.At(slot); }
 
     /// When off, a failing method raises nothing and returns as if it had not been called.
     bool MethodErrors() const { return mMethodErrors; }
@@ -96,12 +106,15 @@ private:
     void Process(const std::function<quillane::Bitmap(const Region*)>& work);
     /// Runs a method; with method errors off its Failure is passed over.
     void Guarded(const std::function<void()>& step) const;
+    qint32 SaveAs(const QString& file, qint16 format, qint32 bits, qint32 quality, qint32 mode,
+                  const StampWish* stamp);
 
     quillane::Bitmap mBitmap;
     Region mRegion;
     ImageFacts mInfo;
     CommentReader mReader;
-    std::map<qint16, CommentValue> mPending;
+    CommentSet mPending;
+    std::shared_ptr<const LoadedFile> mLoaded;
     bool mMethodErrors = true;
 };
 

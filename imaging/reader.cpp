@@ -69,13 +69,17 @@ ImageFacts ProbeSource(FileSource& source, const QString& path)
 
 LoadedImage LoadFile(const QString& path, const DecodeRequest& request)
 {
-    FileSource source(path);
-    const Codec& codec = ReaderCodec(source, path);
+    const auto source = std::make_shared<FileSource>(path);
+    const Codec& codec = ReaderCodec(*source, path);
     LoadedImage loaded;
-    loaded.facts = ReaderFacts(codec, source);
-    const Bitmap stored = codec.inWorker ? worker::Decode(source, codec.name, request)
-                                         : codec.decode(source, request);
+    loaded.facts = ReaderFacts(codec, *source);
+    const Bitmap stored = codec.inWorker ? worker::Decode(*source, codec.name, request)
+                                         : codec.decode(*source, request);
     loaded.bitmap = stored.Upright(loaded.facts.orientation);
+    const bool whole = request.page == 0
+        && (stored.Width() == loaded.facts.width && stored.Height() == loaded.facts.height);
+    const qint64 pixels = whole ? loaded.bitmap.Pixels().cacheKey() : 0;
+    loaded.file = std::make_shared<LoadedFile>(path, source, &codec, loaded.facts, pixels);
     return loaded;
 }
 

@@ -1,12 +1,14 @@
 #pragma once
 // A file's facts and pixels, whichever codec and process they come through. Any thread.
 #include "imaging/codec.h"
+#include "imaging/saving/loaded_file.h"
 
 namespace quillane {
 
 struct LoadedImage {
     Bitmap bitmap; ///< upright
     ImageFacts facts;
+    std::shared_ptr<const LoadedFile> file; ///< what the picture came from
 };
 
 /// Facts of the first page. Failure: no such file, no permission, not a regular file, content

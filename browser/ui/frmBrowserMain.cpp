@@ -3,6 +3,7 @@
 
 #include "browser/about_text.h"
 #include "browser/filter.h"
+#include "browser/ui/window_makers.h"
 #include "core/paths.h"
 
 #include <QApplication>
@@ -55,6 +56,7 @@ frmBrowserMain::frmBrowserMain(Session& session, SettingsStore& store, Platform 
     setWindowIcon(QIcon(QStringLiteral(":/icons/quillane.svg")));
     setMinimumSize(kLeastWidth, kLeastHeight);
     statusBar()->setObjectName(QStringLiteral("StatusBar1"));
+    RegisterWindows(windows, session, platform, this);
     BuildToolBar();
     BuildPanes();
     ConnectMenus();

@@ -13,6 +13,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QDialog>
 #include <QLineEdit>
 #include <QShortcut>
 
@@ -240,7 +241,10 @@ void frmBrowserMain::ImageTool(qint32 tool)
     }
     for (const ToolRow& row : ImageTools()) {
         if (row.number == tool && row.window) {
-            if (QObject* window = mWindows.Get(QLatin1String(row.window))) {
+            QObject* const window = mWindows.Get(QLatin1String(row.window));
+            if (auto* dialog = qobject_cast<QDialog*>(window)) {
+                dialog->exec();
+            } else if (window) {
                 QMetaObject::invokeMethod(window, "show");
             } else {
                 Tell(NotYetTip(QString::fromUtf16(row.caption)));
