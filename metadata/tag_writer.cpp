@@ -27,6 +27,9 @@ void WriteTagText(EngineInstance& lead, const QString& file, const QString& text
     if (IsImageFile(file) != kTrue) {
         return;
     }
+    // A file whose fields cannot be read would be saved without them.
+    lead.Comments().Revalidate();
+    lead.Comments().All(file);
     CopyComments(lead, file);
     lead.SetComment(kDescriptionSlot, text.isEmpty() ? CommentValue() : CommentValue(text));
     lead.Save(file, settings.format, settings.bits, QualityFor(file, settings.quality),
