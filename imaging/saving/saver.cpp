@@ -2,6 +2,7 @@
 #include "core/atomic_save.h"
 #include "core/failure.h"
 #include "imaging/carry/carry.h"
+#include "imaging/comments/slots.h"
 #include "imaging/format_table.h"
 #include "imaging/limits.h"
 #include "imaging/reader.h"
