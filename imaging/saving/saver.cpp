@@ -8,8 +8,11 @@
 #include "imaging/reader.h"
 #include "imaging/saving/stamp.h"
 #include "imaging/thumbs/exif_preview.h"
+#include "imaging/worker/worker_host.h"
 #include <QSize>
 #include <cstring>
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace quillane {
 
@@ -150,8 +153,42 @@ QByteArray PreviewFor(const SaveJob& job, const SavePlan& plan, bool& keep)
     return renewed;
 }
 
+/// A DICOM file goes through its library as a whole, so its elements are set in a file.
+QByteArray WithDicomComments(const QByteArray& encoded, const SaveJob& job, const SavePlan& plan)
+{
+    const std::vector<CommentChange> changes = CommentChanges({}, job.comments);
+    if (changes.empty()) {
+        return encoded;
+    }
+    FileHandle memory(::memfd_create("quillane-save", MFD_CLOEXEC));
+    for (qint64 done = 0; done < encoded.size();) {
+        const ssize_t wrote =
+            ::pwrite(memory.Fd(), encoded.constData() + done, size_t(encoded.size() - done), done);
+        if (wrote <= 0) {
+            throw Failure(kFailureLimit,
+                          QStringLiteral("There is no memory to save a picture of "
+                                         "that size."));
+        }
+        done += wrote;
+    }
+    FileSource source(std::move(memory), encoded.size());
+    return worker::Rewrite(source, {}, job.request, changes, plan.variant->codec);
+}
+
+/// The loaded DICOM file with other elements, and with other pixels where they were changed.
+QByteArray RewrittenDicom(const SaveJob& job, const SavePlan& plan, const CommentSet& before)
+{
+    const bool pixelsStay = plan.pixelsUntouched && job.loaded->facts.format == job.request.format
+        && (job.request.bits == 0 || job.request.bits == job.loaded->facts.bits);
+    return worker::Rewrite(*job.loaded->source, pixelsStay ? Bitmap() : job.picture, job.request,
+                           CommentChanges(before, job.comments), plan.variant->codec);
+}
+
 QByteArray EncodedAnew(const SaveJob& job, const SavePlan& plan, const CommentSet& before)
 {
+    if (plan.variant->carrier == CommentCarrier::Dicom && job.loaded && plan.sameCodec) {
+        return RewrittenDicom(job, plan, before);
+    }
     EncodeRequest request = job.request;
     CarryPlan carry;
     carry.preview = PreviewFor(job, plan, carry.keepPreview);
@@ -186,6 +223,8 @@ QByteArray EncodedAnew(const SaveJob& job, const SavePlan& plan, const CommentSe
         return CarryIntoPng(encoded, carry);
     case CommentCarrier::Gif:
         return CarryIntoGif(encoded, carry);
+    case CommentCarrier::Dicom:
+        return WithDicomComments(encoded, job, plan);
     default:
         return encoded;
     }
