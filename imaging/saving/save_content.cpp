@@ -1,0 +1,161 @@
+#include "imaging/saving/save_content.h"
+#include "core/failure.h"
+#include "imaging/carry/carry.h"
+#include "imaging/format_table.h"
+#include "imaging/limits.h"
+#include "imaging/saving/stamp.h"
+#include "imaging/thumbs/exif_preview.h"
+#include "imaging/worker/worker_host.h"
+#include <sys/mman.h>
+#include <unistd.h>
+
+namespace quillane {
+
+namespace {
+
+/// The file as it is with other comments, when its pixels may stay as they lie in it.
+std::optional<QByteArray> WithPixelsAsTheyLie(const SaveJob& job, const SavePlan& plan,
+                                              const CommentSet& before)
+{
+    const ImageFacts* facts = job.loaded ? &job.loaded->facts : nullptr;
+    if (!facts || !plan.sameCodec || !plan.pixelsUntouched || plan.variant->lossy || job.stamp
+        || facts->format != job.request.format || facts->orientation > 1
+        || (job.request.bits != 0 && job.request.bits != facts->bits)) {
+        return {};
+    }
+    FileSource& original = *job.loaded->source;
+    const std::vector<CommentChange> changes = CommentChanges(before, job.comments);
+    switch (plan.variant->carrier) {
+    case CommentCarrier::Tiff:
+        return ReplaceCommentsInTiff(original, changes);
+    case CommentCarrier::Png:
+        return ReplaceCommentsInPng(original, changes);
+    case CommentCarrier::Gif:
+        return ReplaceCommentsInGif(original, changes);
+    case CommentCarrier::None:
+        return original.All(limits::kMaxFileBytes);
+    default:
+        return {};
+    }
+}
+
+/// The preview to embed; `keep` when the original's own stays.
+QByteArray PreviewFor(const SaveJob& job, const SavePlan& plan, bool& keep)
+{
+    keep = false;
+    if (job.stamp) {
+        if (!plan.variant->stamp) {
+            throw Failure(kFailureGeneral,
+                          QStringLiteral("Files of the format \"%1\" hold no stamp.")
+                              .arg(FormatDescription(job.request.format)));
+        }
+        return MakeStamp(job.picture, job.stamp->box, job.stamp->bits);
+    }
+    if (!job.loaded || !plan.sameCodec || !plan.variant->stamp) {
+        return {};
+    }
+    if (plan.pixelsUntouched && job.loaded->facts.orientation <= 1) {
+        keep = true;
+        return {};
+    }
+    if (ReadEmbeddedPreview(*job.loaded->source).isEmpty()) {
+        return {};
+    }
+    constexpr QSizeF kUsual(160, 160); // sides of most cameras' previews
+    QByteArray renewed;
+    ResumeNext([&] { renewed = MakeStamp(job.picture, kUsual, 24); });
+    return renewed;
+}
+
+/// A DICOM file goes through its library as a whole, so its elements are set in a file.
+QByteArray WithDicomComments(const QByteArray& encoded, const SaveJob& job, const SavePlan& plan)
+{
+    const std::vector<CommentChange> changes = CommentChanges({}, job.comments);
+    if (changes.empty()) {
+        return encoded;
+    }
+    FileHandle memory(::memfd_create("quillane-save", MFD_CLOEXEC));
+    for (qint64 done = 0; done < encoded.size();) {
+        const ssize_t wrote =
+            ::pwrite(memory.Fd(), encoded.constData() + done, size_t(encoded.size() - done), done);
+        if (wrote <= 0) {
+            throw Failure(kFailureLimit,
+                          QStringLiteral("There is no memory to save a picture of "
+                                         "that size."));
+        }
+        done += wrote;
+    }
+    FileSource source(std::move(memory), encoded.size());
+    return worker::Rewrite(source, {}, job.request, changes, plan.variant->codec);
+}
+
+/// The loaded DICOM file with other elements, and with other pixels where they were changed.
+QByteArray RewrittenDicom(const SaveJob& job, const SavePlan& plan, const CommentSet& before)
+{
+    const bool pixelsStay = plan.pixelsUntouched && job.loaded->facts.format == job.request.format
+        && (job.request.bits == 0 || job.request.bits == job.loaded->facts.bits);
+    return worker::Rewrite(*job.loaded->source, pixelsStay ? Bitmap() : job.picture, job.request,
+                           CommentChanges(before, job.comments), plan.variant->codec);
+}
+
+QByteArray EncodedAnew(const SaveJob& job, const SavePlan& plan, const CommentSet& before)
+{
+    if (plan.variant->carrier == CommentCarrier::Dicom && job.loaded && plan.sameCodec) {
+        return RewrittenDicom(job, plan, before);
+    }
+    EncodeRequest request = job.request;
+    CarryPlan carry;
+    carry.preview = PreviewFor(job, plan, carry.keepPreview);
+    if (request.icc.isEmpty()) {
+        request.icc = job.picture.Icc();
+    }
+    if (job.loaded) {
+        const ImageFacts& facts = job.loaded->facts;
+        if (request.xResolution == 0) {
+            request.xResolution = facts.xResolution;
+            request.yResolution = facts.yResolution;
+        }
+        if (plan.sameCodec) {
+            carry.original = job.loaded->source.get();
+            carry.before = &before;
+            if (facts.format == request.format) {
+                request.layout = facts.layout;
+            }
+        }
+    }
+    carry.wanted = job.comments;
+    carry.width = job.picture.Width();
+    carry.height = job.picture.Height();
+    carry.exif = IsExifFormat(request.format);
+    const QByteArray encoded = EncodePicture(job.picture, request);
+    switch (plan.variant->carrier) {
+    case CommentCarrier::Jpeg:
+        return CarryIntoJpeg(encoded, carry);
+    case CommentCarrier::Tiff:
+        return CarryIntoTiff(encoded, carry);
+    case CommentCarrier::Png:
+        return CarryIntoPng(encoded, carry);
+    case CommentCarrier::Gif:
+        return CarryIntoGif(encoded, carry);
+    case CommentCarrier::Dicom:
+        return WithDicomComments(encoded, job, plan);
+    default:
+        return encoded;
+    }
+}
+
+} // namespace
+
+QByteArray SaveContent(const SaveJob& job, const SavePlan& plan)
+{
+    CommentSet before;
+    if (job.loaded && plan.sameCodec) {
+        before = ReadComments(*job.loaded->source, job.loaded->path);
+    }
+    if (std::optional<QByteArray> bytes = WithPixelsAsTheyLie(job, plan, before)) {
+        return *bytes;
+    }
+    return EncodedAnew(job, plan, before);
+}
+
+} // namespace quillane
