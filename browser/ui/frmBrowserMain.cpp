@@ -67,6 +67,7 @@ frmBrowserMain::frmBrowserMain(Session& session, SettingsStore& store, Platform 
 frmBrowserMain::~frmBrowserMain()
 {
     mScan.Abandon();
+    mPlatform.watch.OnChange({}); // it outlives the window
 }
 
 void frmBrowserMain::Load()
