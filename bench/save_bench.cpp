@@ -64,7 +64,7 @@ QByteArray EncodeBarely(const BarePicture& picture, int across, int down)
     info.input_components = 4;
     info.in_color_space = JCS_EXT_BGRX;
     jpeg_set_defaults(&info);
-    jpeg_set_quality(&info, JpegQuality(kFactor), TRUE);
+    jpeg_set_linear_quality(&info, JpegTableScale(kFactor), TRUE);
     info.comp_info[0].h_samp_factor = across;
     info.comp_info[0].v_samp_factor = down;
     jpeg_start_compress(&info, TRUE);
