@@ -68,6 +68,10 @@ frmBrowserMain::~frmBrowserMain()
 {
     mScan.Abandon();
     mPlatform.watch.OnChange({}); // it outlives the window
+    // The widgets go after what their signals lead to, and some tell of their losing the keyboard.
+    for (QObject* child : findChildren<QObject*>()) {
+        child->disconnect(this);
+    }
 }
 
 void frmBrowserMain::Load()
