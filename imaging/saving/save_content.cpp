@@ -13,6 +13,27 @@ namespace quillane {
 
 namespace {
 
+/// The functions that put metadata into a kind of file.
+struct SaveCarrier {
+    CommentCarrier carrier;
+    QByteArray (*carry)(const QByteArray& encoded, const CarryPlan& plan);
+    /// With pixels as they lie in the file; nullptr where they are always encoded anew.
+    QByteArray (*replace)(ByteSource& original, std::span<const CommentChange> changes);
+};
+constexpr SaveCarrier kSaveCarriers[] = {
+    {CommentCarrier::Jpeg, CarryIntoJpeg, nullptr},
+};
+
+const SaveCarrier* SaveCarrierOf(CommentCarrier carrier)
+{
+    for (const SaveCarrier& one : kSaveCarriers) {
+        if (one.carrier == carrier) {
+            return &one;
+        }
+    }
+    return nullptr;
+}
+
 /// The file as it is with other comments, when its pixels may stay as they lie in it.
 std::optional<QByteArray> WithPixelsAsTheyLie(const SaveJob& job, const SavePlan& plan,
                                               const CommentSet& before)
@@ -25,18 +46,14 @@ std::optional<QByteArray> WithPixelsAsTheyLie(const SaveJob& job, const SavePlan
     }
     FileSource& original = *job.loaded->source;
     const std::vector<CommentChange> changes = CommentChanges(before, job.comments);
-    switch (plan.variant->carrier) {
-    case CommentCarrier::Tiff:
-        return ReplaceCommentsInTiff(original, changes);
-    case CommentCarrier::Png:
-        return ReplaceCommentsInPng(original, changes);
-    case CommentCarrier::Gif:
-        return ReplaceCommentsInGif(original, changes);
-    case CommentCarrier::None:
+    if (plan.variant->carrier == CommentCarrier::None) {
         return original.All(limits::kMaxFileBytes);
-    default:
+    }
+    const SaveCarrier* carrier = SaveCarrierOf(plan.variant->carrier);
+    if (!carrier || !carrier->replace) {
         return {};
     }
+    return carrier->replace(original, changes);
 }
 
 /// The preview to embed; `keep` when the original's own stays.
@@ -129,19 +146,20 @@ QByteArray EncodedAnew(const SaveJob& job, const SavePlan& plan, const CommentSe
     carry.exif = IsExifFormat(request.format);
     const QByteArray encoded = EncodePicture(job.picture, request);
     switch (plan.variant->carrier) {
-    case CommentCarrier::Jpeg:
-        return CarryIntoJpeg(encoded, carry);
-    case CommentCarrier::Tiff:
-        return CarryIntoTiff(encoded, carry);
-    case CommentCarrier::Png:
-        return CarryIntoPng(encoded, carry);
-    case CommentCarrier::Gif:
-        return CarryIntoGif(encoded, carry);
+    case CommentCarrier::None:
+        return encoded;
     case CommentCarrier::Dicom:
         return WithDicomComments(encoded, job, plan);
     default:
-        return encoded;
+        break;
     }
+    const SaveCarrier* carrier = SaveCarrierOf(plan.variant->carrier);
+    if (!carrier) {
+        throw Failure(kFailureGeneral,
+                      QStringLiteral("Comments cannot be written into files of the format \"%1\".")
+                          .arg(FormatDescription(request.format)));
+    }
+    return carrier->carry(encoded, carry);
 }
 
 } // namespace

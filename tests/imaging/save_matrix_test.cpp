@@ -2,6 +2,7 @@
 // program and by independent readers.
 #include "imaging/comments/slots.h"
 #include "imaging/engine.h"
+#include "imaging/format_table.h"
 #include "imaging/resize.h"
 #include "worker_support.h"
 
@@ -18,6 +19,7 @@ namespace quillane {
 namespace {
 
 constexpr qint16 kArtist = 0;
+constexpr qint16 kGreyJpeg = 10, kGreyExifJpeg = 98; ///< codes
 
 /// A picture of ramps and edges, of odd sizes.
 Bitmap MatrixPicture()
@@ -61,7 +63,13 @@ TEST_P(SaveMatrix, IsReadBackWithItsComments)
             continue;
         }
         const ImageFacts facts = ProbeFile(file);
-        EXPECT_EQ(facts.format, variant.format) << bits;
+        // A grey JPEG has one channel, and so no sampling that its code could tell.
+        const bool grey = variant.carrier == CommentCarrier::Jpeg && bits == 8;
+        EXPECT_EQ(facts.format,
+                  !grey                              ? variant.format
+                      : IsExifFormat(variant.format) ? kGreyExifJpeg
+                                                     : kGreyJpeg)
+            << bits;
         EXPECT_EQ(facts.width, 61) << bits;
         EXPECT_EQ(facts.height, 47) << bits;
         EXPECT_NO_THROW(LoadFile(file)) << bits;
@@ -91,8 +99,8 @@ TEST_P(SaveMatrix, IsReadBackWithItsComments)
 
 INSTANTIATE_TEST_SUITE_P(EveryCode, SaveMatrix,
                          testing::ValuesIn(SaveVariants().begin(), SaveVariants().end()),
-                         [](const testing::TestParamInfo<SaveVariant>& info) {
-                             return std::to_string(info.param.format);
+                         [](const testing::TestParamInfo<SaveVariant>& row) {
+                             return std::to_string(row.param.format);
                          });
 
 } // namespace

@@ -75,7 +75,11 @@ protected:
                                      "StripByteCounts",
                                      "File:CurrentIPTCDigest",
                                      "PrintIM",
-                                     "InteropOffset"}) {
+                                     "InteropOffset",
+                                     "File:ImageWidth",
+                                     "File:ImageHeight",
+                                     "Adobe:",
+                                     "JFIF:JFIFVersion"}) {
                 if (name.contains(QLatin1String(free))) {
                     fields.remove(name);
                 }
