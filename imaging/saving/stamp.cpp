@@ -40,7 +40,7 @@ QByteArray MakeStamp(const Bitmap& picture, QSizeF box, qint32 bits)
                         24);
     for (;;) {
         const QSize size = StampSize(source, box);
-        Bitmap stamp = Resized(source, size, true);
+        Bitmap stamp = Resized(source, size, ResizeWay::Resample);
         if (request.bits == 8) {
             stamp = Bitmap(stamp.Pixels().convertToFormat(QImage::Format_Grayscale8),
                            ColourModel::Grey, 8);
