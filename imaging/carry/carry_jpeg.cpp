@@ -148,7 +148,7 @@ private:
         }
         if (CarryIsJfif(part)) {
             if (!std::exchange(mJfifPut, true)) {
-                PutEncoders(CarryIsJfif);
+                PutOriginalJfif(part);
                 PutNewExif();
             }
         } else if (CarryIsNamed(part, kPartApp0, QByteArrayView("JFXX\0", 5))) {
@@ -172,6 +172,20 @@ private:
                 mTables.push_back({&part, mOut.size() + 4});
             }
             Put(part.marker, part.content);
+        }
+    }
+
+    /// The original's head tells version and density, whatever their unit; the preview in it goes
+    /// with the pixels it was made of.
+    void PutOriginalJfif(const JpegPart& part)
+    {
+        constexpr qsizetype kPreviewAt = 12; ///< its width and height, one byte each
+        if (part.content.size() < kPreviewAt + 2) {
+            PutEncoders(CarryIsJfif);
+        } else if (mPlan.keepPreview) {
+            Put(part.marker, part.content);
+        } else {
+            Put(part.marker, part.content.left(kPreviewAt) + QByteArray(2, '\0'));
         }
     }
 

@@ -22,6 +22,9 @@ struct SaveCarrier {
 };
 constexpr SaveCarrier kSaveCarriers[] = {
     {CommentCarrier::Jpeg, CarryIntoJpeg, nullptr},
+    {CommentCarrier::Tiff, CarryIntoTiff, ReplaceCommentsInTiff},
+    {CommentCarrier::Png, CarryIntoPng, ReplaceCommentsInPng},
+    {CommentCarrier::Gif, CarryIntoGif, ReplaceCommentsInGif},
 };
 
 const SaveCarrier* SaveCarrierOf(CommentCarrier carrier)

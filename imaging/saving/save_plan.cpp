@@ -38,6 +38,8 @@ SavePlan PlanSave(const SaveJob& job)
     const LoadedFile* loaded = job.loaded.get();
     if (loaded) {
         plan.inPlace = loaded->IsAt(job.path);
+        plan.replaced = !plan.inPlace && job.path == loaded->path
+            && StatPath(job.path).type != FileType::Missing;
         plan.sameCodec = std::strcmp(loaded->codec->name, plan.variant->codec) == 0;
         plan.pixelsUntouched = loaded->pixels == job.picture.Pixels().cacheKey();
     }
@@ -46,11 +48,11 @@ SavePlan PlanSave(const SaveJob& job)
 
 void RefuseLosses(const SaveJob& job, const SavePlan& plan)
 {
-    if (!plan.inPlace) {
+    if (!plan.inPlace && !plan.replaced) {
         return;
     }
     const QString leaf = SaveLeaf(job.path);
-    if (!job.loaded->IsUnchanged()) {
+    if (plan.replaced || !job.loaded->IsUnchanged()) {
         throw Failure(kFailureIo,
                       QStringLiteral("\"%1\" has been changed by another program since it was "
                                      "loaded. Load it again, or save under another name.")

@@ -7,6 +7,7 @@ namespace quillane {
 struct SavePlan {
     const SaveVariant* variant = nullptr;
     bool inPlace = false;         ///< the target is the file that was loaded
+    bool replaced = false;        ///< another file has the loaded one's name now
     bool sameCodec = false;       ///< the loaded file is of the format that is written
     bool pixelsUntouched = false; ///< the pixels are those that were loaded
 };

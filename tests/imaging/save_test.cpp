@@ -6,6 +6,7 @@
 #include "imaging/worker/worker_host.h"
 
 #include <QTemporaryDir>
+#include <QtEndian>
 #include <gtest/gtest.h>
 
 namespace quillane {
@@ -182,12 +183,23 @@ TEST_F(SaveTest, ModeTwoCreatesOnly)
 
 TEST_F(SaveTest, AFileOfSeveralIconsIsNotSavedOverWithOne)
 {
-    const QString file = Copy(QStringLiteral("flower.ico"));
+    // The one picture of the sample a second time: directory entries of 16 bytes behind a head of
+    // 6, each with the place of its picture in its last four bytes.
+    const QByteArray one = Bytes(Copy(QStringLiteral("flower.ico"), QStringLiteral("one.ico")));
+    ASSERT_EQ(one[4], 1);
+    QByteArray entry = one.mid(6, 16);
+    const QByteArray picture = one.mid(22);
+    QByteArray two = one.left(6);
+    two[4] = 2;
+    for (const quint32 at : {quint32(38), quint32(38 + picture.size())}) {
+        qToLittleEndian(at, entry.data() + 12);
+        two += entry;
+    }
+    const QString file = mFolder.filePath(QStringLiteral("two.ico"));
+    WriteWholeFile(file, two + picture + picture);
     EngineInstance lead;
     lead.Load(file, 0, 0);
-    if (lead.InfoPages() < 2) {
-        FAIL() << "the sample icon should hold several pictures";
-    }
+    ASSERT_EQ(lead.InfoPages(), 2);
     const QByteArray before = Bytes(file);
     lead.SetBitmap(lead.Bitmap());
     quillane::Bitmap changed = lead.Bitmap();
