@@ -41,10 +41,7 @@ const SaveCarrier* SaveCarrierOf(CommentCarrier carrier)
 std::optional<QByteArray> WithPixelsAsTheyLie(const SaveJob& job, const SavePlan& plan,
                                               const CommentSet& before)
 {
-    const ImageFacts* facts = job.loaded ? &job.loaded->facts : nullptr;
-    if (!facts || !plan.sameCodec || !plan.pixelsUntouched || plan.variant->lossy || job.stamp
-        || facts->format != job.request.format || facts->orientation > 1
-        || (job.request.bits != 0 && job.request.bits != facts->bits)) {
+    if (!plan.pixelsStay) {
         return {};
     }
     FileSource& original = *job.loaded->source;
@@ -112,10 +109,8 @@ QByteArray WithDicomComments(const QByteArray& encoded, const SaveJob& job, cons
 /// The loaded DICOM file with other elements, and with other pixels where they were changed.
 QByteArray RewrittenDicom(const SaveJob& job, const SavePlan& plan, const CommentSet& before)
 {
-    const bool pixelsStay = plan.pixelsUntouched && job.loaded->facts.format == job.request.format
-        && (job.request.bits == 0 || job.request.bits == job.loaded->facts.bits);
-    return worker::Rewrite(*job.loaded->source, pixelsStay ? Bitmap() : job.picture, job.request,
-                           CommentChanges(before, job.comments), plan.variant->codec);
+    return worker::Rewrite(*job.loaded->source, plan.pixelsStay ? Bitmap() : job.picture,
+                           job.request, CommentChanges(before, job.comments), plan.variant->codec);
 }
 
 QByteArray EncodedAnew(const SaveJob& job, const SavePlan& plan, const CommentSet& before)

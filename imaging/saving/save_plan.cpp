@@ -42,6 +42,10 @@ SavePlan PlanSave(const SaveJob& job)
             && StatPath(job.path).type != FileType::Missing;
         plan.sameCodec = std::strcmp(loaded->codec->name, plan.variant->codec) == 0;
         plan.pixelsUntouched = loaded->pixels == job.picture.Pixels().cacheKey();
+        const ImageFacts& facts = loaded->facts;
+        plan.pixelsStay = plan.sameCodec && plan.pixelsUntouched && !job.stamp
+            && plan.variant->carrier != CommentCarrier::Jpeg && facts.format == job.request.format
+            && facts.orientation <= 1 && (job.request.bits == 0 || job.request.bits == facts.bits);
     }
     return plan;
 }

@@ -6,9 +6,12 @@ namespace quillane {
 /// What a job is found to be before anything is made.
 struct SavePlan {
     const SaveVariant* variant = nullptr;
-    bool inPlace = false;         ///< the target is the file that was loaded
-    bool replaced = false;        ///< another file has the loaded one's name now
-    bool sameCodec = false;       ///< the loaded file is of the format that is written
+    bool inPlace = false;   ///< the target is the file that was loaded
+    bool replaced = false;  ///< another file has the loaded one's name now
+    bool sameCodec = false; ///< the loaded file is of the format that is written
+    /// The pixels are those of the file, upright, at the depth and in the format that are asked
+    /// for, so that they may stay as they lie in it. A JPEG is encoded anew all the same.
+    bool pixelsStay = false;
     bool pixelsUntouched = false; ///< the pixels are those that were loaded
 };
 

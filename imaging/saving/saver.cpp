@@ -46,8 +46,9 @@ std::shared_ptr<const LoadedFile> Reloaded(const SaveJob& job, const SavePlan& p
     auto source = std::make_shared<FileSource>(job.path);
     const ImageFacts facts = ProbeSource(*source, job.path);
     // Only where nothing was lost on the way do the pixels in memory stand for the new ones.
-    const bool same = !plan.variant->lossy
-        && (job.request.bits == 0 || job.request.bits == job.loaded->facts.bits);
+    const bool same = plan.pixelsStay
+        || (!plan.variant->lossy
+            && (job.request.bits == 0 || job.request.bits == job.loaded->facts.bits));
     return std::make_shared<LoadedFile>(job.path, std::move(source), job.loaded->codec, facts,
                                         same ? job.picture.Pixels().cacheKey() : 0);
 }
