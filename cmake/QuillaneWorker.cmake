@@ -14,7 +14,8 @@ target_include_directories(quillane_worker SYSTEM PRIVATE
   $<TARGET_PROPERTY:Qt6::Gui,INTERFACE_INCLUDE_DIRECTORIES>)
 target_link_libraries(quillane_worker
   PUBLIC quillane_core
-  PRIVATE quillane_options PkgConfig::Tiff PkgConfig::OpenJpeg PkgConfig::Seccomp)
+  PRIVATE quillane_options PkgConfig::Tiff PkgConfig::OpenJpeg PkgConfig::TurboJpeg
+          PkgConfig::Seccomp)
 quillane_link_dcmtk(quillane_worker)
 
 # Leaves out of a program what its link line names and it does not use.

@@ -11,11 +11,17 @@ protected:
     {
         return Decode(Write(QStringLiteral("picture.dic"), maker.File()), "DICOM");
     }
-    /// The bytes of a grey picture's first row.
+    /// A grey picture's first row, as values of 8 bits.
     static std::vector<int> Row(const Bitmap& bitmap)
     {
         const uchar* row = bitmap.Pixels().constScanLine(0);
-        return std::vector<int>(row, row + bitmap.Width());
+        std::vector<int> values(row, row + bitmap.Width());
+        if (bitmap.Pixels().format() == QImage::Format_Grayscale16) {
+            const auto* words = reinterpret_cast<const quint16*>(row);
+            std::transform(words, words + bitmap.Width(), values.begin(),
+                           [](quint16 value) { return value >> 8; });
+        }
+        return values;
     }
 };
 

@@ -2,11 +2,14 @@
 #include "imaging/worker_main/codecs/dicom_file.h"
 #include "imaging/worker_main/codecs/shipped_codecs.h"
 #include <algorithm>
+#include <dcmtk/dcmdata/dcdeftag.h>
 #include <dcmtk/dcmdata/dcdict.h>
 #include <dcmtk/dcmdata/dcrledrg.h>
+#include <dcmtk/dcmdata/dcrleerg.h>
 #include <dcmtk/dcmimage/diregist.h>
 #include <dcmtk/dcmimgle/dcmimage.h>
 #include <dcmtk/dcmjpeg/djdecode.h>
+#include <dcmtk/dcmjpeg/djencode.h>
 #include <dcmtk/dcmjpls/djdecode.h>
 #include <dcmtk/oflog/oflog.h>
 
@@ -14,16 +17,39 @@ namespace quillane::worker {
 
 namespace {
 
+constexpr int kShallowBits = 8;
+
+/// Whether values of 16 bits are brightness as they are: none is rescaled, and the window is all
+/// of them.
+bool IsFullWindow(DcmDataset& dataset, const DicomImage& image, int bitsStored)
+{
+    const auto number = [&](const DcmTagKey& tag, double otherwise) {
+        double value = 0;
+        return dataset.findAndGetFloat64(tag, value).good() ? value : otherwise;
+    };
+    const double slope = number(DCM_RescaleSlope, 1), intercept = number(DCM_RescaleIntercept, 0);
+    const double centre = number(DCM_WindowCenter, 0), width = number(DCM_WindowWidth, 0);
+    Uint16 isSigned = 0;
+    dataset.findAndGetUint16(DCM_PixelRepresentation, isSigned);
+    constexpr double kValues = 65536;
+    return bitsStored == 16 && isSigned == 0 && slope == 1 && intercept == 0
+        && image.getWindowCount() == 1 && centre == kValues / 2 && width == kValues
+        && !dataset.tagExists(DCM_ModalityLUTSequence);
+}
+
 /// Chooses how grey values become brightness: as the file says, else all of a picture of up to
 /// 8 bits as it is, else from its darkest to its brightest. Whether values stay the file's own.
-bool ChooseDicomWindow(DicomImage& image, int bitsStored)
+bool ChooseDicomWindow(DcmDataset& dataset, DicomImage& image, int bitsStored)
 {
-    constexpr int kShownBits = 8;
+    if (IsFullWindow(dataset, image, bitsStored)) {
+        image.setNoVoiTransformation();
+        return true;
+    }
     if (image.getWindowCount() > 0) {
         image.setWindow(0);
     } else if (image.getVoiLutCount() > 0) {
         image.setVoiLut(0);
-    } else if (bitsStored > kShownBits) {
+    } else if (bitsStored > kShallowBits) {
         image.setMinMaxWindow();
     } else {
         return true;
@@ -32,15 +58,26 @@ bool ChooseDicomWindow(DicomImage& image, int bitsStored)
 }
 
 /// `flip` is exclusive-ored into grey values.
-void CopyDicomRow(const uchar* from, qint32 width, bool colour, uchar flip, uchar* to)
+void CopyDicomRow(const uchar* from, const PictureShape& shape, quint16 flip, uchar* to)
 {
-    if (!colour) {
-        std::transform(from, from + width, to, [flip](uchar value) { return value ^ flip; });
-        return;
+    switch (shape.layout) {
+    case PixelLayout::Grey8:
+        std::transform(from, from + shape.width, to,
+                       [flip](uchar value) { return uchar(value ^ flip); });
+        break;
+    case PixelLayout::Grey16: {
+        const auto* words = reinterpret_cast<const quint16*>(from);
+        std::transform(words, words + shape.width, reinterpret_cast<quint16*>(to),
+                       [flip](quint16 value) { return quint16(value ^ flip); });
+        break;
     }
-    auto* pixels = reinterpret_cast<quint32*>(to);
-    for (qint32 x = 0; x < width; ++x, from += 3) {
-        pixels[x] = 0xff000000u | quint32(from[0]) << 16 | quint32(from[1]) << 8 | from[2];
+    default: {
+        auto* pixels = reinterpret_cast<quint32*>(to);
+        for (qint32 x = 0; x < shape.width; ++x, from += 3) {
+            pixels[x] = 0xff000000u | quint32(from[0]) << 16 | quint32(from[1]) << 8 | from[2];
+        }
+        break;
+    }
     }
 }
 
@@ -52,6 +89,9 @@ void PrepareDicom()
     DcmRLEDecoderRegistration::registerCodecs();
     DJDecoderRegistration::registerCodecs();
     DJLSDecoderRegistration::registerCodecs();
+    DcmRLEEncoderRegistration::registerCodecs();
+    // A picture keeps its identity, for which the library would ask the network besides.
+    DJEncoderRegistration::registerCodecs(ECC_lossyYCbCr, EUC_never);
     // The dictionary of fields is a file: it has to be in memory before files are out of reach.
     dcmDataDict.rdlock();
     dcmDataDict.rdunlock();
@@ -85,29 +125,30 @@ bool DecodeDicom(ByteSource& source, const PictureWish& wish, PictureSink& sink)
         ThrowDicomDamaged();
     }
     const bool colour = !image.isMonochrome();
+    const bool deep = !colour && facts.bitsStored > kShallowBits;
     PictureShape shape;
     shape.width = qint32(image.getWidth());
     shape.height = qint32(image.getHeight());
-    shape.layout = colour ? PixelLayout::Rgb32 : PixelLayout::Grey8;
+    shape.layout = colour ? PixelLayout::Rgb32 : deep ? PixelLayout::Grey16 : PixelLayout::Grey8;
     shape.fileDepth = facts.facts.bits;
-    shape.exact = colour || ChooseDicomWindow(image, facts.bitsStored);
+    shape.exact = colour || ChooseDicomWindow(file.Dataset(), image, facts.bitsStored);
 
     // The library inverts with an error of rounding; values that stay as they are do not need it.
-    uchar flip = 0;
+    quint16 flip = 0;
     if (!colour && shape.exact && image.getPhotometricInterpretation() == EPI_Monochrome1) {
         image.setPolarity(EPP_Reverse);
-        flip = 0xff;
+        flip = 0xffff;
     }
 
-    constexpr int kOutputBits = 8;
-    const auto* pixels = static_cast<const uchar*>(image.getOutputData(kOutputBits, 0, 0));
-    const size_t rowBytes = size_t(shape.width) * (colour ? 3 : 1);
-    if (!pixels || image.getOutputDataSize(kOutputBits) < rowBytes * size_t(shape.height)) {
+    const int bits = deep ? 16 : kShallowBits;
+    const auto* pixels = static_cast<const uchar*>(image.getOutputData(bits, 0, 0));
+    const size_t rowBytes = size_t(shape.width) * (colour ? 3 : deep ? 2 : 1);
+    if (!pixels || image.getOutputDataSize(bits) < rowBytes * size_t(shape.height)) {
         ThrowDicomDamaged();
     }
     sink.Begin(shape);
     for (qint32 y = 0; y < shape.height; ++y) {
-        CopyDicomRow(pixels + size_t(y) * rowBytes, shape.width, colour, flip, sink.NextRow());
+        CopyDicomRow(pixels + size_t(y) * rowBytes, shape, flip, sink.NextRow());
     }
     return facts.partial;
 }

@@ -92,8 +92,8 @@ bool DicomFile::Read(ByteSource& source, DicomPart part, qint64 padding)
     DicomStream stream(source, 0, padding);
     // What lies behind the picture does not matter, and may be missing. Reading up to the
     // picture needs no such end, and would stumble over it.
-    const bool all = part == DicomPart::All;
-    dcmStopParsingAfterElement.set(all ? DCM_PixelData : DCM_UndefinedTagKey);
+    const bool all = part != DicomPart::BeforePixels;
+    dcmStopParsingAfterElement.set(part == DicomPart::All ? DCM_PixelData : DCM_UndefinedTagKey);
     mFile.transferInit();
     const OFCondition read = all
         ? mFile.read(stream, EXS_Unknown, EGL_noChange, kDicomKeptValue)

@@ -8,7 +8,11 @@
 namespace quillane::worker {
 
 /// How much of a file is read.
-enum class DicomPart : quint8 { BeforePixels, All };
+enum class DicomPart : quint8 {
+    BeforePixels,
+    All,   ///< up to the pixels and with them, what is missing of them as zeros
+    Whole, ///< what lies behind the pixels too; for a file that is written anew
+};
 
 /// Everything that decides how pictures of a file are read.
 struct DicomFacts {
@@ -23,6 +27,7 @@ class DicomFile {
 public:
     /// Failure kFailureUnreadable.
     DicomFile(ByteSource& source, DicomPart part);
+    DcmFileFormat& Document() { return mFile; }
     DcmDataset& Dataset() { return *mFile.getDataset(); }
     /// Failure kFailureUnreadable, kFailureLimit.
     DicomFacts Facts();

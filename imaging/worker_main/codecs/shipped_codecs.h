@@ -13,6 +13,7 @@ void PrepareDicom();
 ImageFacts ProbeDicom(ByteSource& source);
 bool DecodeDicom(ByteSource& source, const PictureWish& wish, PictureSink& sink);
 void ReadDicomComments(ByteSource& source, const TextVisitor& visit);
+void EncodeDicom(PictureRows& picture, const EncodeWish& wish, FileSink& file);
 
 /// JPEG 2000, through OpenJPEG.
 ImageFacts ProbeJpeg2000(ByteSource& source);
@@ -22,7 +23,7 @@ void EncodeJpeg2000(PictureRows& picture, const EncodeWish& wish, FileSink& file
 /// What the shipped decoding process serves.
 inline constexpr WorkerCodec kShippedCodecs[] = {
     {"TIFF", nullptr, ProbeTiff, DecodeTiff, nullptr, EncodeTiff},
-    {"DICOM", PrepareDicom, ProbeDicom, DecodeDicom, ReadDicomComments},
+    {"DICOM", PrepareDicom, ProbeDicom, DecodeDicom, ReadDicomComments, EncodeDicom},
     {"JPEG 2000", nullptr, ProbeJpeg2000, DecodeJpeg2000, nullptr, EncodeJpeg2000},
 };
 
