@@ -17,7 +17,7 @@ constexpr Codec kCodecTable[] = {
      codecs::GifEncode},
     {"JPEG 2000", "JP2 J2K JPC J2C", codecs::Jpeg2000Matches, nullptr, nullptr, true, nullptr,
      true},
-    {"DICOM", "DIC DCM", codecs::DicomMatches, nullptr, nullptr, true},
+    {"DICOM", "DIC DCM", codecs::DicomMatches, nullptr, nullptr, true, nullptr, true},
     {"TIFF", "TIF TIFF", codecs::TiffMatches, nullptr, nullptr, true, nullptr, true},
     {"WMF", "WMF", codecs::WmfMatches, codecs::WmfProbe, codecs::WmfDecode, false},
     {"EMF", "EMF", codecs::EmfMatches, codecs::EmfProbe, codecs::EmfDecode, false},

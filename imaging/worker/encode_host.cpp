@@ -5,7 +5,10 @@
 #include "imaging/worker/picture_rows.h"
 #include "imaging/worker/worker_host.h"
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace quillane::worker {
 
@@ -177,6 +180,27 @@ QByteArray Rewrite(FileSource& original, const Bitmap& picture, const EncodeRequ
                    std::span<const CommentChange> changes, const char* codecName)
 {
     return RunEncoding(picture, request, &original, changes, codecName);
+}
+
+QByteArray Rewrite(const QByteArray& original, const Bitmap& picture, const EncodeRequest& request,
+                   std::span<const CommentChange> changes, const char* codecName)
+{
+    FileHandle file(::memfd_create("quillane-file", MFD_CLOEXEC));
+    qint64 done = 0;
+    while (file.IsOpen() && done < original.size()) {
+        const ssize_t wrote =
+            ::write(file.Fd(), original.constData() + done, size_t(original.size() - done));
+        if (wrote <= 0 && errno != EINTR) {
+            file = FileHandle();
+        }
+        done += std::max<ssize_t>(0, wrote);
+    }
+    if (!file.IsOpen()) {
+        throw Failure(kFailureLimit,
+                      QStringLiteral("There is not enough memory for this picture."));
+    }
+    FileSource source(std::move(file), original.size());
+    return RunEncoding(picture, request, &source, changes, codecName);
 }
 
 } // namespace quillane::worker

@@ -30,5 +30,8 @@ QByteArray Encode(const Bitmap& picture, const EncodeRequest& request, const cha
 /// picture: its pixels stay too, as they lie in the file, and of the request nothing counts.
 QByteArray Rewrite(FileSource& original, const Bitmap& picture, const EncodeRequest& request,
                    std::span<const CommentChange> changes, const char* codecName);
+/// The same for a file in memory, such as one that Encode has made.
+QByteArray Rewrite(const QByteArray& original, const Bitmap& picture, const EncodeRequest& request,
+                   std::span<const CommentChange> changes, const char* codecName);
 
 } // namespace quillane::worker

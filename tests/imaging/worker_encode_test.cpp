@@ -136,6 +136,7 @@ TEST_F(WorkerEncode, OriginalAndChangedTextsArriveWithAndWithoutNewPixels)
         const QByteArray file = worker::Rewrite(original, picture, {}, changes, "ECHO");
         EXPECT_TRUE(
             file.contains("\nthe old file\n3=" + QStringLiteral("Straße 日").toUtf8() + "\n10=\n"));
+        EXPECT_EQ(worker::Rewrite(QByteArray("the old file"), picture, {}, changes, "ECHO"), file);
     }
 }
 
