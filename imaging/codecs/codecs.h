@@ -70,6 +70,13 @@ Bitmap EmfDecode(ByteSource& source, const DecodeRequest& request);
 
 /// Codec::matches of JPEG 2000, with boxes or as a bare codestream.
 bool Jpeg2000Matches(QByteArrayView head, QStringView extension);
+/// Codec::matches of drawing exchange files, written and binary.
+bool DxfMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts DxfProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap DxfDecode(ByteSource& source, const DecodeRequest& request);
+
 /// Codec::matches of TIFF and BigTIFF in either byte order.
 bool TiffMatches(QByteArrayView head, QStringView extension);
 /// Codec::matches of DICOM, with its preamble or, by the extension, without.

@@ -131,12 +131,17 @@ QRectF Drawing::ExtentsOf(const Record& record, bool withText) const
         if (!withText) {
             return {};
         }
+        // Without its font the length of a run can only be guessed, rather too long.
+        const double letter = run.heightOf == TextHeight::Capital ? 0.85 : 0.6;
         const double length =
-            run.width > 0 ? run.width : 0.6 * run.height * double(run.text.size()) * run.stretch;
+            run.width > 0 ? run.width : letter * run.height * double(run.text.size()) * run.stretch;
         const double from = run.across == Qt::AlignLeft ? 0
             : run.across == Qt::AlignRight              ? -length
                                                         : -length / 2;
-        return run.place.mapRect(QRectF(from, -run.height, length, 1.2 * run.height));
+        const double top = run.down == TextPlace::Top ? 0
+            : run.down == TextPlace::Middle           ? -run.height / 2
+                                                      : -run.height;
+        return run.place.mapRect(QRectF(from, top, length, 1.3 * run.height));
     }
     case RecordKind::Picture:
         return mPictures[record.index].place.mapRect(QRectF(0, 0, 1, 1));

@@ -1,5 +1,6 @@
 #include "drawn_maker.h"
 #include "picture_maker.h"
+#include <bit>
 
 namespace quillane::making {
 
@@ -108,6 +109,80 @@ QByteArray EmfMaker::Bytes(int width, int height) const
     return head + mRecords + Little(14, 4) + Little(20, 4) + Little(0, 8) + Little(20, 4);
 }
 
+DxfMaker& DxfMaker::Header(std::initializer_list<Pair> pairs)
+{
+    mHeader.append(QList<Pair>(pairs));
+    return *this;
+}
+
+DxfMaker& DxfMaker::Table(std::initializer_list<Pair> pairs)
+{
+    mTables.append(QList<Pair>(pairs));
+    return *this;
+}
+
+DxfMaker& DxfMaker::Block(std::initializer_list<Pair> pairs)
+{
+    mBlocks.append(QList<Pair>(pairs));
+    return *this;
+}
+
+DxfMaker& DxfMaker::Entity(std::initializer_list<Pair> pairs)
+{
+    mEntities.append(QList<Pair>(pairs));
+    return *this;
+}
+
+QList<DxfMaker::Pair> DxfMaker::Pairs() const
+{
+    QList<Pair> all;
+    const auto section = [&all](const char* name, const QList<Pair>& pairs) {
+        all.append({{0, "SECTION"}, {2, name}});
+        all.append(pairs);
+        all.append({0, "ENDSEC"});
+    };
+    if (!mHeader.isEmpty()) {
+        section("HEADER", mHeader);
+    }
+    section("TABLES", mTables);
+    section("BLOCKS", mBlocks);
+    section("ENTITIES", mEntities);
+    all.append({0, "EOF"});
+    return all;
+}
+
+QByteArray DxfMaker::Written() const
+{
+    QByteArray bytes;
+    for (const Pair& pair : Pairs()) {
+        bytes += QByteArray::number(pair.code).rightJustified(3) + "\r\n" + pair.value + "\r\n";
+    }
+    return bytes;
+}
+
+QByteArray DxfMaker::Binary(int codeBytes) const
+{
+    QByteArray bytes("AutoCAD Binary DXF\r\n\x1a\0", 22);
+    for (const Pair& pair : Pairs()) {
+        if (codeBytes == 1 && pair.code > 254) {
+            bytes += '\xff' + Little(quint32(pair.code), 2);
+        } else {
+            bytes += Little(quint32(pair.code), codeBytes);
+        }
+        if ((pair.code >= 10 && pair.code < 60) || (pair.code >= 210 && pair.code < 240)) {
+            const quint64 bits = std::bit_cast<quint64>(pair.value.toDouble());
+            bytes += Little(quint32(bits), 4) + Little(quint32(bits >> 32), 4);
+        } else if (pair.code >= 60 && pair.code < 80) {
+            bytes += Little(quint32(pair.value.toInt()), 2);
+        } else if (pair.code >= 90 && pair.code < 100) {
+            bytes += Little(quint32(pair.value.toInt()), 4);
+        } else {
+            bytes += pair.value + '\0';
+        }
+    }
+    return bytes;
+}
+
 QByteArray MakeDib(int width, int height)
 {
     QByteArray dib = Little(40, 4) + Little(quint32(width), 4) + Little(quint32(height), 4)
@@ -152,6 +227,25 @@ QMap<QString, QByteArray> MadeDrawings()
     emf.AddBoxed(81, {10, 10, 0, 0, 8, 6, 80, 40, 120, 144, 0, 0xcc0020, 80, 60}, MakeDib(8, 6));
     emf.AddBoxed(118, {2, 1, 0, 0, 0, 0, 0, 60, 40, -1, -1, 0, 1});
     files.insert("made.emf", emf.Bytes(320, 200));
+    DxfMaker dxf;
+    dxf.Header({{9, "$EXTMIN"}, {10, 0}, {20, 0}, {9, "$EXTMAX"}, {10, 100}, {20, 100}});
+    dxf.Table({{0, "TABLE"}, {2, "LAYER"}, {0, "LAYER"}, {2, "A"}, {70, 0}, {62, 1}, {6, "D"}});
+    dxf.Table({{0, "ENDTAB"}, {0, "TABLE"}, {2, "LTYPE"}, {0, "LTYPE"}, {2, "D"}, {49, 1}});
+    dxf.Block({{0, "BLOCK"}, {8, "0"}, {2, "B"}, {10, 1}, {20, 2}});
+    dxf.Block({{0, "CIRCLE"}, {8, "0"}, {10, 5}, {20, 5}, {40, 4}, {0, "ENDBLK"}});
+    dxf.Entity({{0, "LINE"}, {8, "A"}, {10, 0}, {20, 0}, {11, 99}, {21, 99}});
+    dxf.Entity({{0, "INSERT"}, {8, "A"}, {2, "B"}, {10, 9}, {20, 9}, {70, 2}, {71, 3}, {44, 9}});
+    dxf.Entity({{0, "LWPOLYLINE"}, {90, 2}, {70, 1}, {10, 5}, {20, 5}, {42, 1}, {10, 9}, {20, 50}});
+    dxf.Entity({{0, "TEXT"}, {10, 9}, {20, 70}, {40, 5}, {1, "T%%d"}, {72, 5}, {11, 50}, {21, 80}});
+    dxf.Entity({{0, "HATCH"}, {70, 0}, {91, 1}, {92, 2}, {72, 1}, {73, 1}, {93, 3}, {10, 20}});
+    dxf.Entity({{20, 20}, {42, 0.5}, {10, 60}, {20, 20}, {42, 0}, {10, 40}, {20, 60}, {42, 0}});
+    dxf.Entity({{97, 0}, {75, 0}, {76, 1}, {78, 1}, {53, 45}, {43, 0}, {44, 0}, {45, -2}, {46, 2}});
+    dxf.Entity({{0, "SPLINE"}, {71, 2}, {40, 0}, {40, 0}, {40, 0}, {40, 1}, {40, 1}, {40, 1}});
+    dxf.Entity({{10, 1}, {20, 1}, {10, 50}, {20, 90}, {10, 90}, {20, 1}, {0, "POLYLINE"}, {70, 0}});
+    dxf.Entity({{0, "VERTEX"}, {10, 5}, {20, 5}, {0, "VERTEX"}, {10, 9}, {20, 95}, {0, "SEQEND"}});
+    files.insert("made.dxf", dxf.Written());
+    files.insert("made binary.dxf", dxf.Binary(2));
+    files.insert("made old binary.dxf", dxf.Binary(1));
     files.insert("made placeable.wmf", wmf.Placeable(QRect(0, 0, 400, 300), 200));
     return files;
 }

@@ -1,6 +1,7 @@
 #pragma once
 // Makes drawings in memory for the tests, record by record.
 #include <QByteArray>
+#include <QList>
 #include <QMap>
 #include <QRect>
 #include <QString>
@@ -42,6 +43,30 @@ public:
 private:
     QByteArray mRecords;
     int mCount = 0;
+};
+
+/// A drawing exchange file, pair by pair.
+class DxfMaker {
+public:
+    struct Pair {
+        int code;
+        QByteArray value;
+        Pair(int c, const char* v) : code(c), value(v) { }
+        Pair(int c, double v) : code(c), value(QByteArray::number(v, 'g', 15)) { }
+        Pair(int c, int v) : code(c), value(QByteArray::number(v)) { }
+    };
+    /// More of one section.
+    DxfMaker& Header(std::initializer_list<Pair> pairs);
+    DxfMaker& Table(std::initializer_list<Pair> pairs);
+    DxfMaker& Block(std::initializer_list<Pair> pairs);
+    DxfMaker& Entity(std::initializer_list<Pair> pairs);
+    QByteArray Written() const;
+    /// The same as a binary file with codes of one or two bytes.
+    QByteArray Binary(int codeBytes) const;
+
+private:
+    QList<Pair> Pairs() const;
+    QList<Pair> mHeader, mTables, mBlocks, mEntities;
 };
 
 /// A device-independent bitmap of 24 bits: header and pixels, pixel (x, y) as PlaceColour tells.
