@@ -23,7 +23,7 @@ public:
     bool IsCutShort() const { return mCutShort; }
 
     static constexpr int kMaxDepth = 16;             ///< blocks in blocks
-    static constexpr qint64 kMostPairs = 12'000'000; ///< read altogether
+    static constexpr qint64 kMostPairs = 8'000'000;  ///< read altogether
     static constexpr size_t kMostGroups = 1'000'000; ///< of one entity
 
 private:

@@ -9,6 +9,7 @@ namespace {
 /// Work of one drawing, in steps of about a nanosecond each.
 constexpr double kCanvasWork = 1.2e9;
 constexpr qsizetype kCanvasRegions = 32; ///< clipping areas that are remembered
+constexpr size_t kCanvasPart = 64;       ///< points of a line of lines that are drawn at once
 constexpr int kCanvasMaxSpans = 400'000; ///< of one clipping area
 
 /// What filling costs: every edge crosses rows, and looks for its place among the others there.
@@ -316,32 +317,63 @@ void Canvas::StrokeOutlines(const std::vector<Outline>& outlines, const Stroke& 
     target.painter->setRenderHint(QPainter::Antialiasing, target.smooth);
     for (const Outline& outline : outlines) {
         for (const Outline& piece : ClipLines(outline, screen)) {
-            double rows = 0;
-            double length = 0;
-            for (size_t i = 1; i < piece.points.size(); ++i) {
-                const QPointF way = piece.points[i] - piece.points[i - 1];
-                rows += std::abs(way.y()) + width;
-                length += std::abs(way.x()) + std::abs(way.y());
+            // Long lines of lines in parts: what crosses itself often costs more as a whole.
+            const size_t count = piece.points.size();
+            for (size_t from = 0; from + 1 < count || from == 0; from += kCanvasPart) {
+                const size_t to = std::min(from + kCanvasPart, count - 1);
+                StrokePart(piece, from, to, pen, target);
             }
-            const double neighbours =
-                std::min(double(mImage.width()), 2.0 * double(piece.points.size()));
-            const double dashes = stroke.style == Qt::SolidLine ? 0 : 300 * length / width;
-            if (!Spend(1000 + 300 * double(piece.points.size()) + 2 * rows * (20 + neighbours / 2)
-                       + length * width + dashes)) {
-                continue;
-            }
-            QPainterPath path(piece.points.front());
-            for (size_t i = 1; i < piece.points.size(); ++i) {
-                path.lineTo(piece.points[i]);
-            }
-            if (piece.closed) {
-                path.closeSubpath();
-            } else if (piece.points.size() == 1) {
-                path.lineTo(piece.points.front() + QPointF(0.01, 0));
-            }
-            target.painter->strokePath(path, pen);
         }
     }
+}
+
+/// The points from one index to another, both included.
+void Canvas::StrokePart(const Outline& piece, size_t from, size_t to, const QPen& pen,
+                        const Target& target)
+{
+    const std::vector<QPointF>& points = piece.points;
+    const double width = pen.widthF();
+    const bool closed = piece.closed && from == 0 && to + 1 == points.size();
+    double rows = 0;
+    double length = 0;
+    const auto count = [&](const QPointF& way) {
+        rows += std::abs(way.y()) + width;
+        length += std::abs(way.x()) + std::abs(way.y());
+    };
+    for (size_t i = from + 1; i <= to; ++i) {
+        count(points[i] - points[i - 1]);
+    }
+    if (piece.closed && to + 1 == points.size()) {
+        count(points.front() - points.back());
+    }
+    const double neighbours = std::min(double(mImage.width()), 2.0 * double(to - from + 1));
+    const double dashes = pen.style() == Qt::SolidLine ? 0 : 300 * length / width;
+    if (!Spend(3000 + 300 * double(to - from + 1) + 2 * rows * (8 + neighbours / 2)
+               + (11 + width) * length + dashes)) {
+        return;
+    }
+    if (points.size() == 2 && !piece.closed && pen.style() == Qt::SolidLine && width < 2) {
+        // The painter has a shorter way for single lines without round ends.
+        QPen square = pen;
+        square.setCapStyle(Qt::SquareCap);
+        if (target.painter->pen() != square) {
+            target.painter->setPen(square);
+        }
+        target.painter->drawLine(points[0], points[1]);
+        return;
+    }
+    QPainterPath path(points[from]);
+    for (size_t i = from + 1; i <= to; ++i) {
+        path.lineTo(points[i]);
+    }
+    if (closed) {
+        path.closeSubpath();
+    } else if (piece.closed && to + 1 == points.size()) {
+        path.lineTo(points.front());
+    } else if (from == to) {
+        path.lineTo(points[from] + QPointF(0.01, 0));
+    }
+    target.painter->strokePath(path, pen);
 }
 
 } // namespace quillane::drawing

@@ -34,6 +34,8 @@ private:
     void FillOutlines(const std::vector<Outline>& outlines, const Fill& fill, const Target& target);
     void StrokeOutlines(const std::vector<Outline>& outlines, const Stroke& stroke,
                         const Target& target);
+    void StrokePart(const Outline& piece, size_t from, size_t to, const QPen& pen,
+                    const Target& target);
     void PaintText(const TextRun& run, const Target& target);
     void PaintPicture(const Picture& picture, const Target& target);
     double StrokeWidth(const Stroke& stroke) const;
