@@ -34,6 +34,7 @@ public:
         }
         return otherwise;
     }
+    bool IsNext(int code) const { return mAt < mGroups.size() && mGroups[mAt].code == code; }
     QPointF TakePoint(int code)
     {
         const double x = Take(code);
@@ -54,7 +55,7 @@ void DxfHatchPolyline(DxfHatchReader& in, Path& area)
     const double count = in.Take(93);
     QPointF first, last;
     double bulge = 0;
-    for (double i = 0; i < count && !in.HasEnded(); ++i) {
+    for (double i = 0; i < count && in.IsNext(10); ++i) {
         const QPointF at = in.TakePoint(10);
         if (i == 0) {
             first = at;
@@ -77,10 +78,10 @@ void DxfHatchSpline(DxfHatchReader& in, Path& area, bool join)
     in.Take(74);
     const double knots = in.Take(95);
     const double points = in.Take(96);
-    for (double i = 0; i < knots && !in.HasEnded(); ++i) {
+    for (double i = 0; i < knots && in.IsNext(40); ++i) {
         spline.knots.push_back(in.Take(40));
     }
-    for (double i = 0; i < points && !in.HasEnded(); ++i) {
+    for (double i = 0; i < points && in.IsNext(10); ++i) {
         spline.points.push_back(in.TakePoint(10));
         const double weight = in.Take(42, -1);
         if (weight >= 0) {

@@ -22,9 +22,9 @@ public:
     /// Insertions went too deep, or there was too much to draw.
     bool IsCutShort() const { return mCutShort; }
 
-    static constexpr int kMaxDepth = 16;             ///< blocks in blocks
-    static constexpr qint64 kMostPairs = 8'000'000;  ///< read altogether
-    static constexpr size_t kMostGroups = 1'000'000; ///< of one entity
+    static constexpr int kMaxDepth = 16;            ///< blocks in blocks
+    static constexpr qint64 kMostPairs = 8'000'000; ///< read altogether
+    static constexpr size_t kMostGroups = 600'000;  ///< of one entity
 
 private:
     struct Look {
