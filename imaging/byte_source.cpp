@@ -50,8 +50,38 @@ QByteArray ByteSource::All(qint64 maxBytes)
     return Head(Size());
 }
 
-FileSource::FileSource(const QString& path) : mFile(OpenForReading(path, mStat)), mSize(mStat.size)
+QByteArray ByteSource::Companion(const char*, qint64)
+{
+    return {};
+}
+
+FileSource::FileSource(const QString& path)
+    : mPath(path),
+      mFile(OpenForReading(path, mStat)),
+      mSize(mStat.size)
 { }
+
+QString FileSource::FileName() const
+{
+    return mPath.mid(mPath.lastIndexOf(u'/') + 1);
+}
+
+QByteArray FileSource::Companion(const char* extension, qint64 maxBytes)
+{
+    const qsizetype dot = mPath.lastIndexOf(u'.');
+    if (dot <= mPath.lastIndexOf(u'/')) {
+        return {};
+    }
+    const QString stem = mPath.left(dot + 1);
+    const QString given = QString::fromLatin1(extension);
+    QByteArray content;
+    for (const QString& name : {given, given.toLower()}) {
+        if (ResumeNext([&] { content = ReadWholeFile(stem + name, maxBytes); })) {
+            break;
+        }
+    }
+    return content;
+}
 
 FileSource::FileSource(FileHandle file, qint64 size) : mFile(std::move(file)), mSize(size)
 {

@@ -7,7 +7,8 @@ namespace quillane {
 namespace {
 
 // Formats with an unmistakable beginning stand first. A DICOM file may carry the beginning of a
-// TIFF in its preamble, so it is asked before TIFF.
+// TIFF in its preamble, so it is asked before TIFF. At the end stand those that only their name
+// tells, and those that are known and not read.
 constexpr Codec kCodecTable[] = {
     {"JPEG", "JPG JPEG JPE JFIF", codecs::JpegMatches, codecs::JpegProbe, codecs::JpegDecode, false,
      codecs::JpegEncode},
@@ -31,12 +32,23 @@ constexpr Codec kCodecTable[] = {
     {"Sun raster", "RAS SUN IM1 IM8 IM24", codecs::SunMatches, codecs::SunProbe, codecs::SunDecode,
      false},
     {"SGI", "SGI RGB BW RGBA", codecs::SgiMatches, codecs::SgiProbe, codecs::SgiDecode, false},
+    {"CALS", "CAL CALS", codecs::CalsMatches, nullptr, nullptr, true},
+    {"IOCA", "ICA IOCA", codecs::IocaMatches, nullptr, nullptr, true},
+    {"Intergraph", "ITG CIT RLE", codecs::ItgMatches, nullptr, nullptr, true},
+    {"CLP", "CLP", codecs::ClpMatches, codecs::ClpProbe, codecs::ClpDecode, false},
     {"MSP", "MSP", codecs::MspMatches, codecs::MspProbe, codecs::MspDecode, false},
     {"PCX", "PCX", codecs::PcxMatches, codecs::PcxProbe, codecs::PcxDecode, false},
     {"MacPaint", "MAC PNTG", codecs::MacMatches, codecs::MacProbe, codecs::MacDecode, false},
     {"GEM image", "IMG", codecs::GemMatches, codecs::GemProbe, codecs::GemDecode, false},
     {"TARGA", "TGA ICB VDA VST TARGA", codecs::TgaMatches, codecs::TgaProbe, codecs::TgaDecode,
      false},
+    {"Dr. Halo", "CUT", codecs::CutMatches, codecs::CutProbe, codecs::CutDecode, false},
+    {"CMP", "CMP", codecs::CmpMatches, codecs::CmpProbe, codecs::CmpDecode, false},
+    {"AWD", "AWD", codecs::AwdMatches, codecs::AwdProbe, codecs::AwdDecode, false},
+    {"DWG", "DWG", codecs::DwgMatches, codecs::DwgProbe, codecs::DwgDecode, false},
+    {"DWF", "DWF", codecs::DwfMatches, codecs::DwfProbe, codecs::DwfDecode, false},
+    {"FAX", "FAX G3 G4", codecs::FaxMatches, nullptr, nullptr, true},
+    {"RAW", "RAW", codecs::RawMatches, codecs::RawProbe, codecs::RawDecode, false},
 };
 
 } // namespace

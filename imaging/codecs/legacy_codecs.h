@@ -68,4 +68,62 @@ ImageFacts PsdProbe(ByteSource& source);
 /// Codec::decode of the same.
 Bitmap PsdDecode(ByteSource& source, const DecodeRequest& request);
 
+/// Codec::matches of Dr. Halo, its colours in the file beside it; told by its name.
+bool CutMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts CutProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap CutDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of raw samples; told by their name.
+bool RawMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts RawProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap RawDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of clipboard files: their bitmap.
+bool ClpMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts ClpProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap ClpDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of bare fax pages; told by their name.
+bool FaxMatches(QByteArrayView head, QStringView extension);
+/// Codec::matches of CALS rasters: a record of their header.
+bool CalsMatches(QByteArrayView head, QStringView extension);
+/// Codec::matches of IOCA images, bare or in a document's fields.
+bool IocaMatches(QByteArrayView head, QStringView extension);
+/// Codec::matches of Intergraph rasters.
+bool ItgMatches(QByteArrayView head, QStringView extension);
+
+/// Codec::matches of the CMP format.
+bool CmpMatches(QByteArrayView head, QStringView extension);
+/// Refuses the file with words that name its format.
+ImageFacts CmpProbe(ByteSource& source);
+/// Refuses it in the same words.
+Bitmap CmpDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of Microsoft Fax documents.
+bool AwdMatches(QByteArrayView head, QStringView extension);
+/// Refuses the file with words that name its format.
+ImageFacts AwdProbe(ByteSource& source);
+/// Refuses it in the same words.
+Bitmap AwdDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of AutoCAD drawings.
+bool DwgMatches(QByteArrayView head, QStringView extension);
+/// Refuses the file with words that name its format.
+ImageFacts DwgProbe(ByteSource& source);
+/// Refuses it in the same words.
+Bitmap DwgDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of published drawings.
+bool DwfMatches(QByteArrayView head, QStringView extension);
+/// Refuses the file with words that name its format.
+ImageFacts DwfProbe(ByteSource& source);
+/// Refuses it in the same words.
+Bitmap DwfDecode(ByteSource& source, const DecodeRequest& request);
+
 } // namespace quillane::codecs

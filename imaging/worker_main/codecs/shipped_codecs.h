@@ -20,11 +20,25 @@ ImageFacts ProbeJpeg2000(ByteSource& source);
 bool DecodeJpeg2000(ByteSource& source, const PictureWish& wish, PictureSink& sink);
 void EncodeJpeg2000(PictureRows& picture, const EncodeWish& wish, FileSink& file);
 
+/// Bare fax pages, CALS and Intergraph rasters and IOCA images, through libtiff.
+ImageFacts ProbeFax(ByteSource& source);
+bool DecodeFax(ByteSource& source, const PictureWish& wish, PictureSink& sink);
+ImageFacts ProbeCals(ByteSource& source);
+bool DecodeCals(ByteSource& source, const PictureWish& wish, PictureSink& sink);
+ImageFacts ProbeIoca(ByteSource& source);
+bool DecodeIoca(ByteSource& source, const PictureWish& wish, PictureSink& sink);
+ImageFacts ProbeItg(ByteSource& source);
+bool DecodeItg(ByteSource& source, const PictureWish& wish, PictureSink& sink);
+
 /// What the shipped decoding process serves.
 inline constexpr WorkerCodec kShippedCodecs[] = {
     {"TIFF", nullptr, ProbeTiff, DecodeTiff, nullptr, EncodeTiff},
     {"DICOM", PrepareDicom, ProbeDicom, DecodeDicom, ReadDicomComments, EncodeDicom},
     {"JPEG 2000", nullptr, ProbeJpeg2000, DecodeJpeg2000, nullptr, EncodeJpeg2000},
+    {"FAX", nullptr, ProbeFax, DecodeFax, nullptr},
+    {"CALS", nullptr, ProbeCals, DecodeCals, nullptr},
+    {"IOCA", nullptr, ProbeIoca, DecodeIoca, nullptr},
+    {"Intergraph", nullptr, ProbeItg, DecodeItg, nullptr},
 };
 
 } // namespace quillane::worker
