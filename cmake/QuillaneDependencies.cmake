@@ -9,6 +9,7 @@ pkg_check_modules(Png REQUIRED IMPORTED_TARGET libpng)
 pkg_check_modules(Exiv2 REQUIRED IMPORTED_TARGET exiv2)
 pkg_check_modules(Lcms REQUIRED IMPORTED_TARGET lcms2)
 pkg_check_modules(Seccomp REQUIRED IMPORTED_TARGET libseccomp)
+pkg_check_modules(Sane REQUIRED IMPORTED_TARGET sane-backends)
 find_package(GIF REQUIRED)
 # Of OpenCV only what works on pixels: its readers and windows bring a hundred libraries along.
 # The package with its CMake files asks for all of it, so the two are found by name.

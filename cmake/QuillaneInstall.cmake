@@ -4,7 +4,7 @@ set(QUILLANE_ID io.github.quillane.Quillane)
 set(packaging ${CMAKE_SOURCE_DIR}/packaging)
 
 install(TARGETS quillane RUNTIME DESTINATION bin)
-install(TARGETS quillane-codec RUNTIME DESTINATION libexec/quillane)
+install(TARGETS quillane-codec quillane-scan RUNTIME DESTINATION libexec/quillane)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/resources/help/ DESTINATION share/doc/quillane/help
         FILES_MATCHING PATTERN *.html PATTERN *.css PATTERN *.png)
 install(DIRECTORY ${CMAKE_SOURCE_DIR}/samples/ DESTINATION share/doc/quillane/samples)

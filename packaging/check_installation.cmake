@@ -11,7 +11,8 @@ endif()
 
 set(desktop share/applications/${ID}.desktop)
 set(metainfo share/metainfo/${ID}.metainfo.xml)
-foreach(file bin/quillane libexec/quillane/quillane-codec share/doc/quillane/help/index.html
+foreach(file bin/quillane libexec/quillane/quillane-codec libexec/quillane/quillane-scan
+             share/doc/quillane/help/index.html
              share/doc/quillane/samples/flower.jpg ${desktop} ${metainfo}
              share/icons/hicolor/scalable/apps/${ID}.svg)
   if(NOT EXISTS ${prefix}/${file})

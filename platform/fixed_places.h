@@ -19,6 +19,7 @@ public:
     virtual QString HelpFile() const = 0;          ///< first page of the manual
     virtual QString ThumbnailCache() const = 0;    ///< freedesktop thumbnail folder, no separator
     virtual QString CodecWorker() const = 0;       ///< the decoding program's path
+    virtual QString ScanHelper() const = 0;        ///< path of the program that talks to scanners
 };
 
 } // namespace quillane

@@ -3,6 +3,7 @@
 #include "platform/fixed_places.h"
 #include "platform/folder_watch.h"
 #include "platform/launcher.h"
+#include "platform/scanner.h"
 #include "platform/ui_loop.h"
 
 namespace quillane {
@@ -14,6 +15,7 @@ struct Platform {
     Launcher& launcher;
     FixedPlaces& places;
     FolderWatch& watch;
+    Scanner& scanner;
 };
 
 } // namespace quillane

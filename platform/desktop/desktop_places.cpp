@@ -130,9 +130,18 @@ QString DesktopPlaces::ThumbnailCache() const
 
 QString DesktopPlaces::CodecWorker() const
 {
+    return OwnProgram(QStringLiteral("quillane-codec"));
+}
+
+QString DesktopPlaces::ScanHelper() const
+{
+    return OwnProgram(QStringLiteral("quillane-scan"));
+}
+
+QString DesktopPlaces::OwnProgram(const QString& name) const
+{
     const QString folder = ApplicationFolder();
-    return FirstThatExists({folder + QStringLiteral("quillane-codec"),
-                            folder + QStringLiteral("../libexec/quillane/quillane-codec")});
+    return FirstThatExists({folder + name, folder + QStringLiteral("../libexec/quillane/") + name});
 }
 
 } // namespace quillane

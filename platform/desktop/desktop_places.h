@@ -21,8 +21,11 @@ public:
     QString HelpFile() const override;
     QString ThumbnailCache() const override;
     QString CodecWorker() const override;
+    QString ScanHelper() const override;
 
 private:
+    QString OwnProgram(const QString& name) const;
+
     QString mApplicationFolder;
 };
 

@@ -3,6 +3,7 @@
 #include "core/failure.h"
 #include "platform/fake/fake_dialogs.h"
 #include "platform/fake/fake_loop.h"
+#include "platform/fake/fake_scanner.h"
 #include "platform/platform.h"
 #include <QStringList>
 #include <QVector>
@@ -49,6 +50,7 @@ public:
     QString HelpFile() const override { return mRoot + QStringLiteral("/help/index.html"); }
     QString ThumbnailCache() const override { return mRoot + QStringLiteral("/thumbnails"); }
     QString CodecWorker() const override { return codecWorker; }
+    QString ScanHelper() const override { return mRoot + QStringLiteral("/bin/quillane-scan"); }
 
 private:
     QString mRoot;
@@ -71,13 +73,14 @@ private:
 /// The fakes in one bundle.
 struct FakePlatform {
     explicit FakePlatform(const QString& root) : places(root) { }
-    Platform Services() { return {dialogs, loop, launcher, places, watch}; }
+    Platform Services() { return {dialogs, loop, launcher, places, watch, scanner}; }
 
     FakeDialogs dialogs;
     FakeLoop loop;
     FakeLauncher launcher;
     FakePlaces places;
     FakeWatch watch;
+    FakeScanner scanner;
 };
 
 } // namespace quillane

@@ -2,6 +2,7 @@
 #include "platform/desktop/desktop_launcher.h"
 #include "platform/desktop/desktop_loop.h"
 #include "platform/desktop/desktop_places.h"
+#include "platform/desktop/desktop_scanner.h"
 #include "platform/desktop/desktop_watch.h"
 #include "platform/platform.h"
 #include "platform/ui/desktop_dialogs.h"
@@ -10,13 +11,14 @@ namespace quillane {
 
 /// The real services of the outside. Needs the application object.
 struct DesktopPlatform {
-    Platform Services() { return {dialogs, loop, launcher, places, watch}; }
+    Platform Services() { return {dialogs, loop, launcher, places, watch, scanner}; }
 
     DesktopDialogs dialogs;
     DesktopLoop loop;
     DesktopLauncher launcher;
     DesktopPlaces places;
     DesktopWatch watch;
+    DesktopScanner scanner{places.ScanHelper()};
 };
 
 } // namespace quillane

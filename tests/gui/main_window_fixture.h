@@ -56,7 +56,10 @@ protected:
         main = std::make_unique<frmBrowserMain>(session, store, Services(), windows);
         main->Load();
     }
-    Platform Services() { return {fakes.dialogs, loop, fakes.launcher, fakes.places, fakes.watch}; }
+    Platform Services()
+    {
+        return {fakes.dialogs, loop, fakes.launcher, fakes.places, fakes.watch, fakes.scanner};
+    }
     /// No scan is running: its panel tells the count.
     bool Rested() const
     {

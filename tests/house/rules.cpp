@@ -84,6 +84,7 @@ const Library kLibraries[] = {
     {"dcmtk/", {"imaging/worker_main/"}},
     {"openjpeg.h", {"imaging/worker_main/"}},
     {"seccomp.h", {"imaging/worker_main/"}},
+    {"sane/", {"platform/scan_main/"}},
 };
 
 // Headers of the language and of the system that carry no dot or a folder of their own.

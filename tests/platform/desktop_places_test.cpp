@@ -117,6 +117,7 @@ TEST(ProgramsPlaces, AreBesideTheExecutable)
     const DesktopPlaces places;
     EXPECT_EQ(places.ApplicationFolder(), QCoreApplication::applicationDirPath() + "/");
     EXPECT_EQ(places.CodecWorker(), places.ApplicationFolder() + "quillane-codec");
+    EXPECT_EQ(places.ScanHelper(), places.ApplicationFolder() + "quillane-scan");
 }
 
 TEST(ProgramsPlaces, AreThoseOfAnInstallationElse)
@@ -133,6 +134,8 @@ TEST(ProgramsPlaces, AreThoseOfAnInstallationElse)
     prefix.Write("share/doc/quillane/help/index.html");
     EXPECT_EQ(places.CodecWorker(), prefix.Path("bin/../libexec/quillane/quillane-codec"));
     EXPECT_EQ(places.HelpFile(), prefix.Path("bin/../share/doc/quillane/help/index.html"));
+    prefix.Write("libexec/quillane/quillane-scan");
+    EXPECT_EQ(places.ScanHelper(), prefix.Path("bin/../libexec/quillane/quillane-scan"));
     prefix.Write("bin/quillane-codec");
     EXPECT_EQ(places.CodecWorker(), prefix.Path("bin/quillane-codec"));
 }
