@@ -23,7 +23,7 @@ constexpr MenuEntry kMainMenu[] = {
     {"mnuMainFile", "mnuMainFileOpen", u"&Open", Entry, kBuilt, "Ctrl+O", "document-open"},
     {"mnuMainFile", "", u"", Separator},
     {"mnuMainFile", "mnuAcquireTwain", u"&Acquire", Entry, kNotYet, "", "scanner"},
-    {"mnuMainFile", "mnuSelectTwainSource", u"&Select TWAIN Source", Entry, kNotYet},
+    {"mnuMainFile", "mnuSelectTwainSource", u"&Select TWAIN Source", Entry},
     {"mnuMainFile", "mnuImportVideo", u"&Import Video", Entry, kNotYet, "", "video-x-generic"},
     {"mnuMainFile", "", u"", Separator},
     {"mnuMainFile", "mnuEmailImages", u"E-&mail Images...", Entry, kNotYet, "", "mail-send"},

@@ -2,7 +2,7 @@
 #include "core/failure.h"
 #include "imaging/limits.h"
 #include <QCoreApplication>
-#include <QThread>
+#include <QScopeGuard>
 #include <cmath>
 #include <cstring>
 #include <exception>
@@ -112,6 +112,10 @@ Result WhileEventsRun(UiLoop& loop, const std::function<void(double)>& tell,
         QMetaObject::invokeMethod(
             application, [] {}, Qt::QueuedConnection);
     });
+    const auto end = qScopeGuard([&] {
+        stop = true;
+        worker.join();
+    });
     while (!outcome.done) {
         loop.WaitForEvents(kAcquireLook);
         if (loop.PollEsc())
@@ -119,7 +123,6 @@ Result WhileEventsRun(UiLoop& loop, const std::function<void(double)>& tell,
         if (tell)
             tell(part);
     }
-    worker.join();
     if (outcome.failure)
         std::rethrow_exception(outcome.failure);
     return std::move(*outcome.result);

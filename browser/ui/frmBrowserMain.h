@@ -92,6 +92,7 @@ private:
     // Commands.
     void OpenImage();
     void ShowAbout();
+    void SelectTwainSource();
     void ClearHistory();
     void RunCustomSlot(const CustomSlot& slot);
     void AddSelectedToAlbum();

@@ -8,8 +8,10 @@
 #include "browser/ui/frmBrowserAbout.h"
 #include "core/file_kinds.h"
 #include "core/paths.h"
+#include "imaging/acquire.h"
 #include "platform/ui/command_connector.h"
 #include "widgets/file_list_mime.h"
+#include "widgets/ui/scan_source_dialog.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -35,6 +37,7 @@ void frmBrowserMain::ConnectMenus()
 {
     Command("nnuNewFolder", [this] { mTree->NewFolder(true); });
     Command("mnuMainFileOpen", [this] { OpenImage(); });
+    Command("mnuSelectTwainSource", [this] { SelectTwainSource(); });
     Command("mnuClearFileHistory", [this] { ClearHistory(); });
     Command("mnuMainFIleExit", [this] { Exit(); });
     Command("mnuShowAll",
@@ -284,6 +287,15 @@ void frmBrowserMain::ShowAbout()
 {
     frmBrowserAbout about(mSession.gsAppTitle, mPlatform.launcher, this);
     about.exec();
+}
+
+void frmBrowserMain::SelectTwainSource()
+{
+    TwainSelect(mPlatform.scanner, [this](SourceSearch& search, const QString& current) {
+        ScanSourceDialog dialog(search, current, this);
+        const bool chosen = dialog.exec() == QDialog::Accepted && !dialog.Chosen().isEmpty();
+        return chosen ? std::optional(dialog.Chosen()) : std::nullopt;
+    });
 }
 
 void frmBrowserMain::ClearHistory()

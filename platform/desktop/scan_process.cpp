@@ -2,11 +2,11 @@
 #include "core/failure.h"
 #include "core/posix_error.h"
 #include <QElapsedTimer>
-#include <QStringList>
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/socket.h>
@@ -20,6 +20,7 @@ namespace quillane {
 namespace {
 
 constexpr int kScanLook = 100; // milliseconds between two questions whether to go on
+constexpr int kScanEnd = 1000;
 
 Failure NotStarted(const QString& program, int error)
 {
@@ -121,6 +122,8 @@ bool ScanProcess::HasEnded(int waitMs)
 
 void ScanProcess::FailAsGone()
 {
+    // Its socket closes a little before it has ended.
+    HasEnded(kScanEnd);
     siginfo_t info{};
     QString how = QStringLiteral("has ended");
     if (waitid(P_PID, id_t(mPid), &info, WEXITED | WNOHANG | WNOWAIT) == 0 && info.si_pid == mPid

@@ -235,9 +235,8 @@ void Device::SendHead(const SANE_Parameters& frame, int channels, long bytesPerL
     head.width = frame.pixels_per_line;
     head.lines = frame.lines;
     head.bytesPerLine = bytesPerLine;
-    const double resolution = Number("resolution", 0);
-    head.xResolution = Number("x-resolution", resolution);
-    head.yResolution = Number("y-resolution", resolution);
+    head.xResolution = mXResolution;
+    head.yResolution = mYResolution;
     Send(Kind::Page, &head, sizeof head);
 }
 
@@ -304,6 +303,10 @@ void Device::SendThreePasses(SANE_Parameters frame)
 
 void Device::SendPage()
 {
+    // Some drivers do not tell their options while they scan.
+    const double resolution = Number("resolution", 0);
+    mXResolution = Number("x-resolution", resolution);
+    mYResolution = Number("y-resolution", resolution);
     SANE_Parameters frame{};
     StartFrame(frame);
     if (frame.format == SANE_FRAME_GRAY || frame.format == SANE_FRAME_RGB)

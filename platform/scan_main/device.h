@@ -42,6 +42,7 @@ private:
     std::vector<SANE_Byte> ReadFrame();
 
     SANE_Handle mHandle = nullptr;
+    double mXResolution = 0, mYResolution = 0;
 };
 
 /// Sends every scanner that answers.
