@@ -354,7 +354,8 @@ Bitmap PixelsFor(const SaveVariant& variant, const Bitmap& picture, qint32 bits,
         icc.clear();
         const bool wide = picture.Pixels().depth() == 64
             || picture.Pixels().format() == QImage::Format_Grayscale16;
-        const bool ink = picture.Model() == ColourModel::Cmyk && !EncodeIsInk(variant, picture, bits);
+        const bool ink =
+            picture.Model() == ColourModel::Cmyk && !EncodeIsInk(variant, picture, bits);
         if (ink || (!picture.Icc().isEmpty() && !wide && picture.Model() != ColourModel::Cmyk)) {
             from = EncodeShown(picture);
         }
