@@ -78,7 +78,7 @@ void DibPutDeepRow(const QImage& pixels, int y, const DibOut& out, uchar* to)
         *to++ = uchar(qGreen(p));
         *to++ = uchar(qRed(p));
         if (out.bits == 32) {
-            *to++ = out.masks[3] != 0 ? uchar(qAlpha(p)) : uchar(0);
+            *to++ = out.opacity ? uchar(qAlpha(p)) : uchar(0);
         }
     }
 }
@@ -168,6 +168,7 @@ DibOut DibLayout(const Bitmap& picture, const EncodeRequest& request, DibKind ki
         out.masks = {0xf800, 0x07e0, 0x001f, 0};
     } else if (out.bits == 32 && DibHasAlpha(picture.Pixels())) {
         out.masks = {0xff0000, 0xff00, 0xff, 0xff000000};
+        out.opacity = true;
     }
     return out;
 }

@@ -14,6 +14,7 @@ struct DibOut {
     /// Masks of red, green, blue and alpha; all 0 where the depth says enough.
     std::array<quint32, 4> masks{};
     qint32 xResolution = 0, yResolution = 0; ///< dots per inch
+    bool opacity = false;                    ///< the fourth byte of 32 bits tells it
     bool twiceAsHigh = false;                ///< a mask follows the pixels, as in an icon
 
     /// Bytes of the header with its masks and colours, and those up to the colours.
