@@ -50,11 +50,6 @@ QByteArray ByteSource::All(qint64 maxBytes)
     return Head(Size());
 }
 
-QByteArray ByteSource::Companion(const char*, qint64)
-{
-    return {};
-}
-
 FileSource::FileSource(const QString& path)
     : mPath(path),
       mFile(OpenForReading(path, mStat)),

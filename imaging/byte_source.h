@@ -17,7 +17,7 @@ public:
     /// Content of the file beside this one that has the same name but for its extension, which is
     /// tried as given (in capitals) and in small letters; empty when there is none, when it cannot
     /// be read, or above maxBytes.
-    virtual QByteArray Companion(const char* extension, qint64 maxBytes);
+    virtual QByteArray Companion(const char* /*extension*/, qint64 /*maxBytes*/) { return {}; }
     /// The first bytes, at most `count`.
     QByteArray Head(qint64 count);
     /// All bytes; Failure kFailureLimit above maxBytes.

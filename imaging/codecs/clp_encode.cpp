@@ -6,8 +6,8 @@ namespace quillane::codecs {
 namespace {
 
 constexpr char kClpOut[] = "Windows clipboard file";
-constexpr quint32 kClpMark = 0xc350;   ///< of Windows 3
-constexpr quint32 kClpBitmap = 8;      ///< CF_DIB
+constexpr quint32 kClpMark = 0xc350; ///< of Windows 3
+constexpr quint32 kClpPutDib = 8;    ///< CF_DIB
 constexpr int kClpNameBytes = 79;
 constexpr int kClpDataAt = 4 + 10 + kClpNameBytes;
 
@@ -24,7 +24,7 @@ QByteArray ClpEncode(const Bitmap& picture, const EncodeRequest& request)
     file.Reserve(kClpDataAt + out.HeadBytes() + pixelBytes);
     file.Little16(kClpMark);
     file.Little16(1); // format
-    file.Little16(kClpBitmap);
+    file.Little16(kClpPutDib);
     file.Little32(quint32(out.HeadBytes() + pixelBytes));
     file.Little32(kClpDataAt);
     file.Text(kName);

@@ -34,7 +34,7 @@ QByteArray CalsRecord(const QByteArray& head, const char* name)
 
 CalsHeader CalsReadHeader(ByteSource& source)
 {
-    const QByteArray head = source.Head(kCalsRecords * kCalsRecordBytes);
+    const QByteArray head = ReadFaxBytes(source, kCalsRecords * kCalsRecordBytes, kCalsName, false);
     if (head.size() < kCalsRecords * kCalsRecordBytes) {
         ThrowFaxDamaged(kCalsName, QStringLiteral("its header is cut short"));
     }

@@ -12,6 +12,7 @@ namespace quillane::worker {
 namespace {
 
 constexpr char kFaxName[] = "fax page";
+constexpr qint64 kFaxMaxBytes = 64ll << 20;
 constexpr qint64 kFaxFill = 4096;         ///< bits of fill before the first line
 constexpr int kFaxLooks = 32;             ///< lines that the width is taken from
 constexpr int kFaxEndMarks = 2;           ///< marks in a row that end a page
@@ -184,7 +185,7 @@ BarePixels FaxFindGroup4(FaxBits& bits)
 
 BarePixels FaxFind(ByteSource& source)
 {
-    FaxBits bits(source);
+    FaxBits bits(ReadFaxBytes(source, kFaxMaxBytes, kFaxName, true));
     FaxGuess best;
     for (const bool low : {false, true}) {
         for (const bool tagged : {false, true}) {

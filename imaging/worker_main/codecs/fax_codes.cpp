@@ -146,7 +146,7 @@ FaxMode PeekFaxMode(const FaxBits& bits)
 
 } // namespace
 
-FaxBits::FaxBits(ByteSource& source) : mBytes(source.All(limits::kMaxHeaderBytes * 8))
+FaxBits::FaxBits(QByteArray bytes) : mBytes(std::move(bytes))
 { }
 
 quint32 FaxBits::Peek(int count) const

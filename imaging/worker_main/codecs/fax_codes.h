@@ -1,6 +1,6 @@
 #pragma once
 // The run-length codes of ITU-T T.4 and T.6, for finding out how wide and long a bare stream is.
-#include "imaging/byte_source.h"
+#include <QByteArray>
 #include <vector>
 
 namespace quillane::worker {
@@ -8,8 +8,7 @@ namespace quillane::worker {
 /// Bits of a stream, one after the other.
 class FaxBits {
 public:
-    /// Reads the whole source; Failure kFailureLimit above limits::kMaxHeaderBytes times 8.
-    explicit FaxBits(ByteSource& source);
+    explicit FaxBits(QByteArray bytes);
     /// Takes bytes with their lowest bit first from here on.
     void SetLowBitFirst(bool low) { mLow = low; }
 

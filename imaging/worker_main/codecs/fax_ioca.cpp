@@ -19,8 +19,6 @@ constexpr quint32 kIocaEndImage = 0xd3a9fb;
 
 enum IocaSegment : uchar {
     kIocaEnd = 0x71,
-    kIocaBegin = 0x70,
-    kIocaBeginContent = 0x91,
     kIocaEndContent = 0x93,
     kIocaSize = 0x94,
     kIocaEncoding = 0x95,
@@ -40,6 +38,25 @@ struct IocaImage {
     bool lowBitFirst = false;
     int bits = 1;
     QByteArray data;
+};
+
+/// The data of an image that was put together.
+class IocaData : public ByteSource {
+public:
+    explicit IocaData(const QByteArray& bytes) : mBytes(bytes) { }
+    qint64 Size() const override { return mBytes.size(); }
+    qint64 ReadAt(qint64 position, void* to, qint64 count) override
+    {
+        if (position < 0 || position >= mBytes.size()) {
+            return 0;
+        }
+        const qint64 got = std::min(count, mBytes.size() - position);
+        std::copy_n(mBytes.constData() + position, got, static_cast<char*>(to));
+        return got;
+    }
+
+private:
+    const QByteArray& mBytes;
 };
 
 /// The fields that hold image segments, put together; everything else of a document is left out.
@@ -77,6 +94,18 @@ void IocaTakeSize(const uchar* p, int length, IocaImage& image)
     image.height = IocaBig(p + 7);
 }
 
+/// Data of a length that is not told: all but the ends of content and segment.
+QByteArray IocaRest(const QByteArray& segments, qsizetype at)
+{
+    QByteArray rest = segments.mid(at);
+    for (const uchar code : {kIocaEnd, kIocaEndContent}) {
+        if (rest.endsWith('\0') && rest.size() >= 2 && uchar(rest[rest.size() - 2]) == code) {
+            rest.chop(2);
+        }
+    }
+    return rest;
+}
+
 void IocaTakeSegments(const QByteArray& segments, IocaImage& image)
 {
     const uchar* p = reinterpret_cast<const uchar*>(segments.constData());
@@ -89,7 +118,11 @@ void IocaTakeSegments(const QByteArray& segments, IocaImage& image)
             }
             const qsizetype length = IocaBig(p + at + 2);
             if (p[at + 1] == 0x92) {
-                image.data += segments.mid(at + 4, length);
+                image.data +=
+                    length > 0 ? segments.mid(at + 4, length) : IocaRest(segments, at + 4);
+                if (length == 0) {
+                    return;
+                }
             }
             at += 4 + length;
             continue;
@@ -115,7 +148,7 @@ void IocaTakeSegments(const QByteArray& segments, IocaImage& image)
 
 IocaImage IocaRead(ByteSource& source)
 {
-    const QByteArray file = source.All(kIocaMaxBytes);
+    const QByteArray file = ReadFaxBytes(source, kIocaMaxBytes, kIocaName, true);
     IocaImage image;
     image.wrapped = file.startsWith(char(kIocaFieldMark));
     IocaTakeSegments(image.wrapped ? IocaUnwrap(file) : file, image);
@@ -171,7 +204,7 @@ ImageFacts ProbeIoca(ByteSource& source)
 
 bool DecodeIoca(ByteSource& source, const PictureWish&, PictureSink& sink)
 {
-    IocaImage image = IocaRead(source);
+    const IocaImage image = IocaRead(source);
     BarePixels pixels;
     pixels.bytes = image.data.size();
     pixels.width = qint32(image.width);
@@ -182,7 +215,7 @@ bool DecodeIoca(ByteSource& source, const PictureWish&, PictureSink& sink)
     pixels.twoDimensional = image.coding == 0x81;
     pixels.lowBitFirst = image.lowBitFirst;
     pixels.bits = image.bits;
-    MemorySource data(std::move(image.data));
+    IocaData data(image.data);
     return DecodeBarePixels(data, pixels, kIocaName, sink);
 }
 

@@ -120,6 +120,19 @@ bool DecodeBarePixels(ByteSource& source, const BarePixels& pixels, const char* 
     }
 }
 
+QByteArray ReadFaxBytes(ByteSource& source, qint64 count, const char* format, bool whole)
+{
+    if (whole && source.Size() > count) {
+        throw Failure(kFailureLimit,
+                      QStringLiteral("This %1 has %2 MB, which is more than can be read.")
+                          .arg(QLatin1String(format))
+                          .arg(source.Size() >> 20));
+    }
+    QByteArray bytes(std::min(count, source.Size()), Qt::Uninitialized);
+    bytes.resize(source.ReadAt(0, bytes.data(), bytes.size()));
+    return bytes;
+}
+
 void ThrowFaxDamaged(const char* format, const QString& why)
 {
     throw Failure(kFailureUnreadable,

@@ -29,6 +29,10 @@ struct BarePixels {
 bool DecodeBarePixels(ByteSource& source, const BarePixels& pixels, const char* format,
                       PictureSink& sink);
 
+/// The first bytes of a source, at most `count`. Failure kFailureLimit, in words that name the
+/// format, when `whole` is wanted and there are more.
+QByteArray ReadFaxBytes(ByteSource& source, qint64 count, const char* format, bool whole);
+
 /// Failure kFailureUnreadable: "This <format> is damaged: <why>."
 [[noreturn]] void ThrowFaxDamaged(const char* format, const QString& why);
 /// Failure kFailureUnreadable: "This <format> <what>, which is not supported."
