@@ -39,12 +39,14 @@ void EngineInstance::Adopt(LoadedImage loaded)
     mLoaded = std::move(loaded.file);
     mPending = {};
     mRegion = {};
+    mFloater = {};
 }
 
 void EngineInstance::SetBitmap(quillane::Bitmap bitmap)
 {
+    const QSize before = mBitmap.Pixels().size();
     mBitmap = std::move(bitmap);
-    mRegion = mRegion.ClippedTo(mBitmap.Pixels().size());
+    KeepToImage(before);
     if (mBitmap.IsNull()) {
         mLoaded.reset();
     }

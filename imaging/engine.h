@@ -5,6 +5,7 @@
 #include "imaging/reader.h"
 #include "imaging/region.h"
 #include "imaging/saving/saver.h"
+#include <QFont>
 #include <array>
 #include <functional>
 
@@ -85,7 +86,23 @@ public:
     void StretchIntensity();
     void HistogramEqualize();
     void IntensityDetect(qint32 low, qint32 high); ///< of 0..255
-    void Grayscale(qint32 bits);                   ///< 8 or 16
+    /// range 0..1000; channel 0 all, 1 red, 2 green, 3 blue.
+    void AddNoise(qint32 range, qint32 channel);
+    void Average(qint32 size);                   ///< neighbourhood in pixels, 0..255
+    void Median(qint32 size);                    ///< the same
+    void Sharpen(qint32 value);                  ///< -1000..1000
+    void Mosaic(qint32 size);                    ///< of a tile, in pixels
+    void Emboss(qint32 direction, qint32 depth); ///< 0 north, clockwise to 7; 0..1000
+    void SpatialFilter(qint32 code);             ///< of processing::SpatialKernels()
+    void BinaryFilter(qint32 code);              ///< of processing::BinaryKernels()
+    void Halftone(qint32 type, qint32 angle);    ///< 0 lines, 1 dots
+    /// See processing::ContourChoice.
+    void ContourFilter(qint32 threshold, qint32 interval, qint32 smoothing, qint32 option);
+    /// Combines another picture into a rectangle of this one; see processing/combine.h for what
+    /// flags 768 do.
+    void Combine(qint32 left, qint32 top, qint32 width, qint32 height,
+                 const quillane::Bitmap& source, qint32 sourceLeft, qint32 sourceTop, qint32 flags);
+    void Grayscale(qint32 bits); ///< 8 or 16
     void FillColor(qint32 colour);
     void Flip();    ///< upside down
     void Reverse(); ///< left to right
@@ -101,6 +118,71 @@ public:
     /// Cuts the image to the rectangle; what lies beside the image is left out.
     void Trim(qint32 left, qint32 top, qint32 width, qint32 height);
 
+    /// Number of different colours; see processing/histogram.h.
+    qint64 UniqueColors() const;
+    /// Counts the levels of a channel: 0 master, 1 red, 2 green, 3 blue.
+    void GetHistogram(qint32 channel);
+    /// An entry, 0..255, of what GetHistogram counted last. Failure kFailureIndex beyond.
+    qint64 HistogramValue(qint32 index) const;
+
+    // The region, in coordinates of the image and clipped to it; a new one takes the place of the
+    // old. One of no pixels is none. It goes with the image: Load, Resize and an empty image drop
+    // it, another image keeps what lies on it.
+
+    void SetRegionRect(qint32 left, qint32 top, qint32 width, qint32 height);
+    void SetRegionEllipse(qint32 left, qint32 top, qint32 width, qint32 height);
+    void SetRegionRoundRect(qint32 left, qint32 top, qint32 width, qint32 height, qint32 radius);
+    void SetRegionFreeHand(const QList<QPoint>& outline);
+    /// The pixels whose colour lies between the two in red, green and blue.
+    void SetRegionColor(qint32 lowest, qint32 highest);
+    void MoveRegion(qint32 right, qint32 down);
+    void ClearRegion() { mRegion = {}; }
+    bool HasRegion() const { return !mRegion.IsEmpty(); }
+    QRect RegionBounds() const { return mRegion.Bounds(); }
+    bool IsPointInRegion(qint32 x, qint32 y) const { return mRegion.Contains(x, y); }
+    const Region& RegionShape() const { return mRegion; }
+
+    // The floater: a copy of the region's pixels that lies over the image and can be moved. It
+    // does not change the image until it is combined. A new image of another size drops it.
+
+    /// Makes it of the region, where the region stands, and shows it. Failure without a region.
+    void MakeFloater();
+    /// Its picture, transparent outside its shape; empty without a floater.
+    const quillane::Bitmap& FloaterHandle() const { return mFloater.shown; }
+    bool FloaterVisible() const { return mFloater.visible; }
+    void SetFloaterVisible(bool visible);
+    /// Of its upper left corner in the image; it may lie beside it.
+    QPoint FloaterPosition() const { return mFloater.position; }
+    void SetFloaterPosition(QPoint position) { mFloater.position = position; }
+    /// Copies it into the image where it lies and moves the region there. It stays a floater.
+    void CombineFloater();
+    void ReleaseFloater() { mFloater = {}; }
+
+    // Drawing of text into the image, in the region only where there is one.
+
+    const QFont& DrawFont() const { return mText.font; }
+    /// Its size in points counts 96 pixels to the inch.
+    void SetDrawFont(const QFont& font) { mText.font = font; }
+    qint32 DrawTextColor() const { return mText.colour; }
+    void SetDrawTextColor(qint32 colour) { mText.colour = colour; }
+    /// 0, the only one: pixels of the text replace those of the image.
+    qint32 DrawMode() const { return mText.mode; }
+    void SetDrawMode(qint32 mode);
+    /// Whether the image shows between the letters; else it is white there.
+    bool DrawTransparent() const { return mText.transparent; }
+    void SetDrawTransparent(bool transparent) { mText.transparent = transparent; }
+    qint32 MeasureTextWidth(const QString& text) const;  ///< pixels, of the widest line
+    qint32 MeasureTextHeight(const QString& text) const; ///< pixels, of all lines
+    /// With its upper left corner at a place of the image.
+    void DrawText(const QString& text, qint32 x, qint32 y);
+
+    /// Puts the image, or the region where there is one, on the system's clipboard. Flags change
+    /// nothing: the palette and the region are always honoured.
+    void CopyToClipboard(qint32 flags) const;
+    /// Replaces the image by the clipboard's and drops region and pending comments. Failure where
+    /// there is no picture on the clipboard.
+    void PasteFromClipboard(qint32 flags);
+
 private:
     /// Replaces the image by what `work` makes of it and of the region (null for none).
     void Process(const std::function<quillane::Bitmap(const Region*)>& work);
@@ -109,8 +191,28 @@ private:
     qint32 SaveAs(const QString& file, qint16 format, qint32 bits, qint32 quality, qint32 mode,
                   const StampWish* stamp);
 
+    /// Drops what belongs to places of an image that is replaced.
+    void KeepToImage(QSize before);
+
+    struct Floater {
+        quillane::Bitmap pixels; ///< those of the bounds, as in the image
+        quillane::Bitmap shown;
+        Region shape; ///< where it was made
+        QPoint position;
+        bool visible = false;
+    };
+    struct TextSettings {
+        QFont font;
+        qint32 colour = 0;
+        qint32 mode = 0;
+        bool transparent = true;
+    };
+
     quillane::Bitmap mBitmap;
     Region mRegion;
+    Floater mFloater;
+    TextSettings mText;
+    std::array<qint64, 256> mHistogram{};
     ImageFacts mInfo;
     CommentReader mReader;
     CommentSet mPending;

@@ -2,10 +2,17 @@
 #include "imaging/engine.h"
 #include "imaging/limits.h"
 #include "imaging/processing/colour.h"
+#include "imaging/processing/combine.h"
+#include "imaging/processing/contour.h"
 #include "imaging/processing/depth.h"
 #include "imaging/processing/geometry.h"
+#include "imaging/processing/halftone.h"
+#include "imaging/processing/histogram.h"
+#include "imaging/processing/neighbourhood.h"
+#include "imaging/processing/noise.h"
 #include "imaging/processing/tone.h"
 #include "imaging/resize.h"
+#include <QRandomGenerator>
 #include <algorithm>
 #include <cmath>
 
@@ -52,7 +59,11 @@ void EngineInstance::Guarded(const std::function<void()>& step) const
 
 void EngineInstance::Process(const std::function<quillane::Bitmap(const Region*)>& work)
 {
-    Guarded([&] { mBitmap = work(mRegion.IsEmpty() ? nullptr : &mRegion); });
+    Guarded([&] {
+        const QSize before = mBitmap.Pixels().size();
+        mBitmap = work(mRegion.IsEmpty() ? nullptr : &mRegion);
+        KeepToImage(before);
+    });
 }
 
 void EngineInstance::Contrast(qint32 value)
@@ -160,6 +171,7 @@ void EngineInstance::Resize(float width, float height, qint32 flags)
         const QSize size(EngineSide(width), EngineSide(height));
         mBitmap = Resized(mBitmap, size, EngineResizeWay(flags));
         mRegion = {};
+        mFloater = {};
     });
 }
 
@@ -179,7 +191,110 @@ void EngineInstance::Trim(qint32 left, qint32 top, qint32 width, qint32 height)
         mBitmap = processing::Trim(mBitmap, part.Bounds());
         mRegion =
             mRegion.Moved(mBitmap.Pixels().size(), -part.Bounds().left(), -part.Bounds().top());
+        mFloater = {};
     });
+}
+
+void EngineInstance::AddNoise(qint32 range, qint32 channel)
+{
+    Process([&](const Region* region) {
+        return processing::AddNoise(mBitmap, region, range,
+                                    processing::NoiseChannel(std::clamp(channel, 0, 3)),
+                                    QRandomGenerator::global()->generate());
+    });
+}
+
+void EngineInstance::Average(qint32 size)
+{
+    Process([&](const Region* region) { return processing::Average(mBitmap, region, size); });
+}
+
+void EngineInstance::Median(qint32 size)
+{
+    Process([&](const Region* region) { return processing::Median(mBitmap, region, size); });
+}
+
+void EngineInstance::Sharpen(qint32 value)
+{
+    Process([&](const Region* region) { return processing::Sharpen(mBitmap, region, value); });
+}
+
+void EngineInstance::Mosaic(qint32 size)
+{
+    Process([&](const Region* region) { return processing::Mosaic(mBitmap, region, size); });
+}
+
+void EngineInstance::Emboss(qint32 direction, qint32 depth)
+{
+    Process([&](const Region* region) {
+        return processing::Emboss(mBitmap, region, direction, depth);
+    });
+}
+
+void EngineInstance::SpatialFilter(qint32 code)
+{
+    Process([&](const Region* region) { return processing::SpatialFilter(mBitmap, region, code); });
+}
+
+void EngineInstance::BinaryFilter(qint32 code)
+{
+    Process([&](const Region* region) { return processing::BinaryFilter(mBitmap, region, code); });
+}
+
+void EngineInstance::Halftone(qint32 type, qint32 angle)
+{
+    Process([&](const Region* region) {
+        return processing::Halftone(mBitmap, region,
+                                    processing::HalftoneType(std::clamp(type, 0, 1)), angle);
+    });
+}
+
+void EngineInstance::ContourFilter(qint32 threshold, qint32 interval, qint32 smoothing,
+                                   qint32 option)
+{
+    Process([&](const Region* region) {
+        return processing::ContourFilter(
+            mBitmap, region,
+            {threshold, interval, smoothing, processing::ContourOption(std::clamp(option, 0, 4))});
+    });
+}
+
+void EngineInstance::Combine(qint32 left, qint32 top, qint32 width, qint32 height,
+                             const quillane::Bitmap& source, qint32 sourceLeft, qint32 sourceTop,
+                             qint32 flags)
+{
+    Process([&](const Region* region) {
+        return processing::Combine(mBitmap, region, QRect(left, top, width, height), source,
+                                   QPoint(sourceLeft, sourceTop), flags);
+    });
+}
+
+qint64 EngineInstance::UniqueColors() const
+{
+    qint64 count = 0;
+    Guarded(
+        [&] { count = processing::UniqueColors(mBitmap, mRegion.IsEmpty() ? nullptr : &mRegion); });
+    return count;
+}
+
+void EngineInstance::GetHistogram(qint32 channel)
+{
+    Guarded([&] {
+        mHistogram = processing::Histogram(mBitmap, mRegion.IsEmpty() ? nullptr : &mRegion,
+                                           processing::HistogramChannel(std::clamp(channel, 0, 3)));
+    });
+}
+
+qint64 EngineInstance::HistogramValue(qint32 index) const
+{
+    qint64 value = 0;
+    Guarded([&] {
+        if (index < 0 || size_t(index) >= mHistogram.size()) {
+            throw Failure(kFailureIndex, QStringLiteral("A histogram has no level %1.").arg(index));
+        }
+        value = mHistogram[size_t(index)];
+    });
+    return value;
 }
 
 } // namespace quillane

@@ -22,6 +22,16 @@ struct RegionSides {
           right(std::max<qint64>(x, qint64(x) + width)),
           bottom(std::max<qint64>(y, qint64(y) + height))
     { }
+    /// From where a side begins to just behind the other, the upper ones first.
+    static RegionSides Between(qint64 left, qint64 top, qint64 right, qint64 bottom)
+    {
+        RegionSides sides(0, 0, 0, 0);
+        sides.left = left;
+        sides.top = top;
+        sides.right = right;
+        sides.bottom = bottom;
+        return sides;
+    }
 
     QRect On(QSize picture) const
     {
@@ -58,16 +68,16 @@ struct RegionColumns {
 };
 
 /// A row's part of a rectangle with rounded corners: how far its ends are drawn in.
-double RegionDrawnIn(double y, const RegionSides& sides, double acrossRadius, double downRadius)
+double RegionDrawnIn(double y, const RegionSides& sides, double radius)
 {
-    const double top = double(sides.top) + downRadius;
-    const double bottom = double(sides.bottom) - downRadius;
+    const double top = double(sides.top) + radius;
+    const double bottom = double(sides.bottom) - radius;
     const double beyond = y < top ? top - y : y > bottom ? y - bottom : 0.0;
-    if (beyond <= 0 || downRadius <= 0) {
+    if (beyond <= 0 || radius <= 0) {
         return 0;
     }
-    const double part = std::min(beyond / downRadius, 1.0);
-    return acrossRadius * (1 - std::sqrt(1 - part * part));
+    const double part = std::min(beyond / radius, 1.0);
+    return radius * (1 - std::sqrt(1 - part * part));
 }
 
 } // namespace
@@ -170,7 +180,7 @@ Region Region::RoundRectangle(QSize picture, qint32 left, qint32 top, qint32 wid
     const double round = std::clamp(double(radius), 0.0, most);
     Spans spans(bounds);
     for (int row = 0; row < bounds.height(); ++row) {
-        const double in = RegionDrawnIn(bounds.top() + row + 0.5, sides, round, round);
+        const double in = RegionDrawnIn(bounds.top() + row + 0.5, sides, round);
         spans.Add(row, double(sides.left - bounds.left()) + in,
                   double(sides.right - bounds.left()) - in);
     }
@@ -197,12 +207,7 @@ Region Region::FreeHand(QSize picture, const QList<QPoint>& outline)
         top = std::min<qint64>(top, point.y());
         bottom = std::max<qint64>(bottom, point.y());
     }
-    RegionSides sides(0, 0, 0, 0);
-    sides.left = left;
-    sides.top = top;
-    sides.right = right;
-    sides.bottom = bottom;
-    const QRect bounds = sides.On(picture);
+    const QRect bounds = RegionSides::Between(left, top, right, bottom).On(picture);
     if (bounds.isEmpty()) {
         return {};
     }
@@ -266,11 +271,10 @@ Region Region::Moved(QSize picture, qint32 right, qint32 down) const
     if (IsEmpty()) {
         return {};
     }
-    RegionSides sides(0, 0, 0, 0);
-    sides.left = qint64(mBounds.left()) + right;
-    sides.top = qint64(mBounds.top()) + down;
-    sides.right = sides.left + mBounds.width();
-    sides.bottom = sides.top + mBounds.height();
+    const qint64 left = qint64(mBounds.left()) + right;
+    const qint64 top = qint64(mBounds.top()) + down;
+    const RegionSides sides =
+        RegionSides::Between(left, top, left + mBounds.width(), top + mBounds.height());
     const QRect bounds = sides.On(picture);
     if (bounds.isEmpty() || mMask.isNull()) {
         Region moved;
@@ -282,6 +286,25 @@ Region Region::Moved(QSize picture, qint32 right, qint32 down) const
     const qint64 fromTop = bounds.top() - sides.top;
     for (int row = 0; row < bounds.height(); ++row) {
         std::memcpy(spans.Row(row), mMask.constScanLine(int(fromTop) + row) + fromLeft,
+                    size_t(bounds.width()));
+    }
+    return spans.Cut();
+}
+
+Region Region::Within(QSize picture, const QRect& part) const
+{
+    const Region whole = ClippedTo(picture);
+    const QRect bounds = whole.mBounds.intersected(part);
+    Region within;
+    if (bounds.isEmpty() || whole.mMask.isNull()) {
+        within.mBounds = bounds.isEmpty() ? QRect() : bounds;
+        return within;
+    }
+    Spans spans(bounds);
+    for (int row = 0; row < bounds.height(); ++row) {
+        std::memcpy(spans.Row(row),
+                    whole.mMask.constScanLine(row + bounds.top() - whole.mBounds.top())
+                        + (bounds.left() - whole.mBounds.left()),
                     size_t(bounds.width()));
     }
     return spans.Cut();

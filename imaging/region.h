@@ -43,6 +43,9 @@ public:
     /// What of it lies on a picture of that size.
     Region ClippedTo(QSize picture) const { return Moved(picture, 0, 0); }
 
+    /// What of it lies in the rectangle and on the picture.
+    Region Within(QSize picture, const QRect& part) const;
+
     bool operator==(const Region& other) const
     {
         return mBounds == other.mBounds && mMask == other.mMask;

@@ -1,4 +1,5 @@
 #include "processing_support.h"
+#include "imaging/processing/tone.h"
 #include <cstring>
 
 namespace quillane::processing_tests {
@@ -103,8 +104,14 @@ testing::AssertionResult SamePixels(const QImage& a, const QImage& b)
 
 int LargestDifference(const Bitmap& a, const Bitmap& b)
 {
-    const QImage first = a.ToDisplay().convertToFormat(QImage::Format_ARGB32);
-    const QImage second = b.ToDisplay().convertToFormat(QImage::Format_ARGB32);
+    // Not weighed with alpha, which would blur what is nearly transparent.
+    const auto shown = [](const Bitmap& picture) {
+        const QImage pixels =
+            picture.Model() == ColourModel::Cmyk ? picture.ToDisplay() : picture.Pixels();
+        return pixels.convertToFormat(QImage::Format_ARGB32);
+    };
+    const QImage first = shown(a);
+    const QImage second = shown(b);
     EXPECT_EQ(first.size(), second.size());
     int largest = 0;
     for (int y = 0; y < first.height(); ++y) {
@@ -116,6 +123,11 @@ int LargestDifference(const Bitmap& a, const Bitmap& b)
         }
     }
     return largest;
+}
+
+Bitmap InEffect(const Bitmap& picture)
+{
+    return processing::Brightness(picture, nullptr, 0);
 }
 
 QRgb ColourAt(const Bitmap& picture, int x, int y)

@@ -37,6 +37,8 @@ Bitmap MakeColour(QRgb colour, int width, int height);
 testing::AssertionResult SamePixels(const QImage& a, const QImage& b);
 /// Greatest difference of a channel of 0..255 between two pictures as they are shown.
 int LargestDifference(const Bitmap& a, const Bitmap& b);
+/// The picture in the layout that operations bring it to: palette and CMYK as RGB, one bit as grey.
+Bitmap InEffect(const Bitmap& picture);
 /// The colour of a pixel at 8 bits a channel, alpha included, whatever the layout but CMYK.
 QRgb ColourAt(const Bitmap& picture, int x, int y);
 

@@ -272,13 +272,16 @@ void KeepFourthChannel(const cv::Mat& in, cv::Mat& out)
 }
 
 Bitmap WorkInBands(const Bitmap& picture, const Region* region, PixelForm form,
-                   FourthChannel fourth, const BandWork& work)
+                   FourthChannel fourth, const BandWork& work, int margin)
 {
     return WorkAnywhere(picture, region, form, [&](const cv::Mat& in, cv::Mat& out) {
-        ForBands(in.rows, BandRows(in), [&](int top, int bottom) {
+        // Rows above and below are read again for each band: few of them to a band.
+        ForBands(in.rows, std::max(BandRows(in), 8 * margin), [&](int top, int bottom) {
             const cv::Mat from = in.rowRange(top, bottom);
             cv::Mat to = out.rowRange(top, bottom);
+            const uchar* const place = to.data;
             work(from, to, QPoint(0, top));
+            CV_Assert(to.data == place);
             FinishChannels(from, to, fourth);
         });
     });
@@ -288,7 +291,9 @@ Bitmap WorkOnWhole(const Bitmap& picture, const Region* region, PixelForm form,
                    FourthChannel fourth, const WholeWork& work)
 {
     return WorkAnywhere(picture, region, form, [&](const cv::Mat& in, cv::Mat& out) {
+        const uchar* const place = out.data;
         work(in, out);
+        CV_Assert(out.data == place);
         FinishChannels(in, out, fourth);
     });
 }

@@ -62,9 +62,9 @@ int BandRows(const cv::Mat& pixels);
 using BandWork = std::function<void(const cv::Mat& in, cv::Mat& out, QPoint at)>;
 /// A new picture in a form, each band of which `work` has written; with a region (not null) only
 /// the pixels in it, all others being those of the picture. A region that lies beside the picture
-/// changes nothing.
+/// changes nothing. `margin`: rows that the work looks at above and below its band.
 Bitmap WorkInBands(const Bitmap& picture, const Region* region, PixelForm form,
-                   FourthChannel fourth, const BandWork& work);
+                   FourthChannel fourth, const BandWork& work, int margin = 0);
 /// The same with all of the picture, or all of the region's bounds, in one call.
 using WholeWork = std::function<void(const cv::Mat& in, cv::Mat& out)>;
 Bitmap WorkOnWhole(const Bitmap& picture, const Region* region, PixelForm form,
