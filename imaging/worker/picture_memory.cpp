@@ -29,11 +29,11 @@ void UnmapPicture(const PictureRange& range)
 /// Ranges that no image uses at the moment.
 class PictureRanges {
 public:
-    /// One that holds so much and not half as much again; nothing where there is none.
+    /// The last used that holds so much and not half as much again; nothing where there is none.
     PictureRange Take(size_t bytes)
     {
         const std::lock_guard lock(mMutex);
-        for (size_t i = 0; i < mFree.size(); ++i) {
+        for (size_t i = mFree.size(); i-- > 0;) {
             const PictureRange range = mFree[i];
             if (range.bytes >= bytes && range.bytes / 3 <= bytes / 2) {
                 mFree.erase(mFree.begin() + qptrdiff(i));

@@ -132,7 +132,9 @@ QImage ReducedPalette(const QImage& pixels, int most, const QList<QRgb>& given, 
 {
     const auto attributes = CheckQuantizer(liq_attr_create());
     const bool large = qint64(pixels.width()) * pixels.height() > kQuantizerLargePixels;
-    CheckQuantizer(liq_set_max_colors(attributes.get(), most));
+    // Where fewer are given, the library would add some of its own.
+    const int wanted = given.isEmpty() ? most : int(given.size());
+    CheckQuantizer(liq_set_max_colors(attributes.get(), wanted));
     CheckQuantizer(
         liq_set_speed(attributes.get(), large ? kQuantizerSpeedOfLarge : kQuantizerSpeed));
     const auto image = CheckQuantizer(liq_image_create_custom(attributes.get(), QuantizerRow,
