@@ -6,12 +6,9 @@
 #include <gtest/gtest.h>
 #include <limits>
 
-namespace quillane {
+namespace quillane::processing {
 
 namespace {
-
-using namespace processing_tests;
-using namespace processing;
 
 constexpr Layout kRgb24{"Rgb24", QImage::Format_RGB32, ColourModel::Rgb};
 
@@ -255,4 +252,4 @@ TEST(DrawText, WithoutTransparencyIsWhiteBehindTheLetters)
 
 } // namespace
 
-} // namespace quillane
+} // namespace quillane::processing

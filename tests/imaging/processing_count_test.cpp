@@ -6,12 +6,9 @@
 #include <numeric>
 #include <set>
 
-namespace quillane {
+namespace quillane::processing {
 
 namespace {
-
-using namespace processing_tests;
-using namespace processing;
 
 qint64 SumOf(const HistogramTable& table)
 {
@@ -132,4 +129,4 @@ TEST(UniqueColors, TakesColoursOfAPaletteOnceAndOnlyThoseInUse)
 
 } // namespace
 
-} // namespace quillane
+} // namespace quillane::processing

@@ -7,12 +7,9 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-namespace quillane {
+namespace quillane::processing {
 
 namespace {
-
-using namespace processing_tests;
-using namespace processing;
 
 constexpr Layout kRgb24{"Rgb24", QImage::Format_RGB32, ColourModel::Rgb};
 
@@ -218,4 +215,4 @@ TEST(AtDepth, GivesBackWhatHasTheDepthAlready)
 
 } // namespace
 
-} // namespace quillane
+} // namespace quillane::processing

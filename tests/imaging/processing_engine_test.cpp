@@ -8,11 +8,9 @@
 #include <QMimeData>
 #include <gtest/gtest.h>
 
-namespace quillane {
+namespace quillane::processing {
 
 namespace {
-
-using namespace processing_tests;
 
 constexpr Layout kRgb24{"Rgb24", QImage::Format_RGB32, ColourModel::Rgb};
 constexpr qint32 kRed = 255; // red in the low byte
@@ -355,4 +353,4 @@ TEST_F(EngineProcessing, ClipboardWithoutAPictureChangesNothing)
 
 } // namespace
 
-} // namespace quillane
+} // namespace quillane::processing

@@ -18,11 +18,9 @@
 #include <functional>
 #include <gtest/gtest.h>
 
-namespace quillane {
+namespace quillane::processing {
 
 namespace {
-
-using namespace processing_tests;
 
 struct Operation {
     const char* name;
@@ -229,4 +227,4 @@ TEST(EveryOperationAlike, GivesTheSamePixelsInAnyNumberOfBands)
 
 } // namespace
 
-} // namespace quillane
+} // namespace quillane::processing

@@ -14,12 +14,9 @@
 #include <set>
 #include <vector>
 
-namespace quillane {
+namespace quillane::processing {
 
 namespace {
-
-using namespace processing_tests;
-using namespace processing;
 
 constexpr qint32 kMost = std::numeric_limits<qint32>::max();
 constexpr qint32 kLeast = std::numeric_limits<qint32>::min();
@@ -398,4 +395,4 @@ TEST(ContourFilter, DrawsLinesWhereTheStepsMeet)
 
 } // namespace
 
-} // namespace quillane
+} // namespace quillane::processing

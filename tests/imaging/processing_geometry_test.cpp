@@ -8,12 +8,9 @@
 #include <gtest/gtest.h>
 #include <limits>
 
-namespace quillane {
+namespace quillane::processing {
 
 namespace {
-
-using namespace processing_tests;
-using namespace processing;
 
 constexpr Layout kRgb24{"Rgb24", QImage::Format_RGB32, ColourModel::Rgb};
 
@@ -307,4 +304,4 @@ TEST(Resized, NoColourComesOutOfTransparentPixels)
 
 } // namespace
 
-} // namespace quillane
+} // namespace quillane::processing

@@ -2,7 +2,7 @@
 #include "imaging/processing/tone.h"
 #include <cstring>
 
-namespace quillane::processing_tests {
+namespace quillane::processing {
 
 namespace {
 
@@ -135,4 +135,4 @@ QRgb ColourAt(const Bitmap& picture, int x, int y)
     return picture.Pixels().pixel(x, y);
 }
 
-} // namespace quillane::processing_tests
+} // namespace quillane::processing

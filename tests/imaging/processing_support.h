@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <ostream>
 
-namespace quillane::processing_tests {
+namespace quillane::processing {
 
 struct Layout {
     const char* name;
@@ -42,4 +42,4 @@ Bitmap InEffect(const Bitmap& picture);
 /// The colour of a pixel at 8 bits a channel, alpha included, whatever the layout but CMYK.
 QRgb ColourAt(const Bitmap& picture, int x, int y);
 
-} // namespace quillane::processing_tests
+} // namespace quillane::processing

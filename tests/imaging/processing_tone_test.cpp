@@ -7,12 +7,9 @@
 #include <limits>
 #include <numeric>
 
-namespace quillane {
+namespace quillane::processing {
 
 namespace {
-
-using namespace processing_tests;
-using namespace processing;
 
 constexpr qint32 kLeast = std::numeric_limits<qint32>::min();
 constexpr qint32 kMost = std::numeric_limits<qint32>::max();
@@ -348,4 +345,4 @@ TEST(FillColor, FillsWithTheColourAndKeepsGreyWhereItCan)
 
 } // namespace
 
-} // namespace quillane
+} // namespace quillane::processing

@@ -162,8 +162,8 @@ TEST(Region, AColourMatchHoldsThePixelsBetweenTwoColours)
 
 TEST(Region, AColourMatchTakesEveryLayout)
 {
-    for (const auto& layout : processing_tests::kLayouts) {
-        const Bitmap picture = processing_tests::MakePicture(layout, 20, 10);
+    for (const auto& layout : processing::kLayouts) {
+        const Bitmap picture = processing::MakePicture(layout, 20, 10);
         EXPECT_EQ(Region::ColourMatch(picture, 0xff000000u, 0xffffffffu).Bounds(),
                   QRect(0, 0, 20, 10))
             << layout.name;
