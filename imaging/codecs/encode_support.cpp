@@ -1,4 +1,5 @@
 #include "imaging/codecs/encode_support.h"
+#include "imaging/codecs/encoders.h"
 #include "imaging/limits.h"
 #include <QtEndian>
 #include <cstring>
@@ -24,6 +25,11 @@ void EncodeTrimRow(uchar* row, qint64 bits)
 }
 
 } // namespace
+
+bool NoFileMatches(QByteArrayView, QStringView)
+{
+    return false;
+}
 
 void CannotHold(const char* format, const QString& what)
 {

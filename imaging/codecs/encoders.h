@@ -4,6 +4,9 @@
 
 namespace quillane::codecs {
 
+/// Codec::matches of what is only written: no file.
+bool NoFileMatches(QByteArrayView head, QStringView extension);
+
 /// Icons and cursors (91, 92): one picture of up to 256 x 256 pixels with its mask.
 QByteArray IcoEncode(const Bitmap& picture, const EncodeRequest& request);
 /// PBM, PGM and PPM, written (102, 104, 106) and binary (103, 105, 107).

@@ -55,7 +55,8 @@ inline constexpr const char* kLongest[] = {
 inline constexpr const char* kPass = "0001";
 inline constexpr const char* kHorizontal = "001";
 /// A change lies from 3 to the left of the one above to 3 to the right of it.
-inline constexpr const char* kVertical[] = {"0000010", "000010", "010", "1", "011", "000011", "0000011"};
+inline constexpr const char* kVertical[] = {"0000010", "000010", "010",    "1",
+                                            "011",     "000011", "0000011"};
 inline constexpr const char* kEndOfLine = "000000000001";
 
 } // namespace quillane::codecs::fax

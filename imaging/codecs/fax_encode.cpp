@@ -11,7 +11,8 @@ namespace {
 constexpr int kFaxLongStep = 64;
 constexpr int kFaxMostLong = 1728;
 constexpr int kFaxMostRun = 2560;
-/// Rows coded by the one above before one that stands for itself (T.4, 4.2.1: K at fine resolution).
+/// Rows coded by the one above before one that stands for itself (T.4, 4.2.1: K at fine
+/// resolution).
 constexpr int kFaxRowsTogether = 4;
 
 /// Bits, the first one highest.

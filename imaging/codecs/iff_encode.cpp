@@ -8,7 +8,7 @@ namespace quillane::codecs {
 namespace {
 
 constexpr char kIffOut[] = "interchange file";
-constexpr int kIffMostSide = 65535; ///< two bytes of its header
+constexpr int kIffMostSide = 65535;   ///< two bytes of its header
 constexpr int kIffFullColours = 0x80; ///< the flag that colours use all of their eight bits
 constexpr int kIffClearIndex = 2;     ///< masking by one of the colours
 

@@ -141,7 +141,8 @@ QByteArray PdfEncode(const Bitmap& picture, const EncodeRequest& request)
     const double shrink = std::min(1.0, kPdfMostPoints / std::max(across, down));
     across *= shrink;
     down *= shrink;
-    const QByteArray sides = QByteArray::number(across, 'f', 3) + ' ' + QByteArray::number(down, 'f', 3);
+    const QByteArray sides =
+        QByteArray::number(across, 'f', 3) + ' ' + QByteArray::number(down, 'f', 3);
     const QByteArray paint = "q " + QByteArray::number(across, 'f', 3) + " 0 0 "
         + QByteArray::number(down, 'f', 3) + " 0 0 cm /Picture Do Q";
     const int perSample = request.bits <= 8 ? request.bits : 8;
@@ -158,8 +159,8 @@ QByteArray PdfEncode(const Bitmap& picture, const EncodeRequest& request)
     pdf.Begin("<< /Type /XObject /Subtype /Image /Width " + QByteArray::number(picture.Width())
               + " /Height " + QByteArray::number(picture.Height()) + " /BitsPerComponent "
               + QByteArray::number(perSample) + " /ColorSpace "
-              + PdfColours(picture.Pixels(), request.bits) + " /Length "
-              + QByteArray::number(bytes) + " >>\nstream\n");
+              + PdfColours(picture.Pixels(), request.bits) + " /Length " + QByteArray::number(bytes)
+              + " >>\nstream\n");
     RawPutRows(pdf.file, picture, request.bits);
     pdf.file.Text("\nendstream");
     pdf.End();

@@ -15,8 +15,9 @@ constexpr quint32 kWmfOrigin = 0x020b, kWmfExtent = 0x020c, kWmfStretchMode = 0x
 
 void WmfPutPlace(ByteWriter& file, const Bitmap& picture)
 {
-    const quint32 words[] = {0xcdd7, 0x9ac6, 0, 0, 0, quint32(picture.Width()),
-                             quint32(picture.Height()), kWmfPerInch, 0, 0};
+    const quint32 words[] = {
+        0xcdd7,      0x9ac6, 0, 0, 0, quint32(picture.Width()), quint32(picture.Height()),
+        kWmfPerInch, 0,      0};
     quint32 sum = 0;
     for (const quint32 word : words) {
         file.Little16(word);

@@ -65,7 +65,9 @@ void WpgPutRow(ByteWriter& to, const std::vector<uchar>& row)
 QByteArray WpgEncode(const Bitmap& picture, const EncodeRequest& request)
 {
     CheckFits(kWpgOut, picture, kWpgMostSide, kWpgMostSide);
-    const auto dots = [](qint32 told) { return std::clamp(told > 0 ? told : kWpgUsualDots, 1, 32767); };
+    const auto dots = [](qint32 told) {
+        return std::clamp(told > 0 ? told : kWpgUsualDots, 1, 32767);
+    };
     const qint32 across = dots(request.xResolution);
     const qint32 down = dots(request.yResolution);
     const auto units = [](qint32 pixels, qint32 perInch) {

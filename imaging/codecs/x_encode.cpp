@@ -67,9 +67,7 @@ QByteArray XbmEncode(const Bitmap& picture, const EncodeRequest&)
         for (const uchar byte : row) {
             char text[8];
             std::snprintf(text, sizeof(text), "0x%02x", unsigned(XbmTurned(byte)));
-            file.Text(count == 0              ? "\n   "
-                          : count % kXbmPerLine == 0 ? ",\n   "
-                                                     : ", ");
+            file.Text(count == 0 ? "\n   " : count % kXbmPerLine == 0 ? ",\n   " : ", ");
             file.Text(text);
             ++count;
         }

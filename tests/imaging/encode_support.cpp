@@ -1,4 +1,5 @@
 #include "encode_support.h"
+#include <QtEndian>
 #include <algorithm>
 #include <cmath>
 
@@ -203,7 +204,8 @@ double Psnr(const Bitmap& one, const Bitmap& other)
 QImage ReadByGraphicsMagick(const QString& path)
 {
     const std::optional<QByteArray> ppm = RunTool(
-        QStringLiteral("gm"), {"convert", path, "-depth", "8", "-type", "TrueColor", "ppm:-"});
+        QStringLiteral("gm"),
+        {"convert", "-density", "96x96", path, "-depth", "8", "-type", "TrueColor", "ppm:-"});
     return ppm ? QImage::fromData(*ppm, "PPM").convertToFormat(QImage::Format_RGB32) : QImage();
 }
 
@@ -212,6 +214,98 @@ QImage ReadByFfmpeg(const QString& path)
     const std::optional<QByteArray> ppm = RunTool(
         QStringLiteral("ffmpeg"),
         {"-v", "error", "-i", path, "-frames:v", "1", "-f", "image2pipe", "-c:v", "ppm", "-"});
+    return ppm ? QImage::fromData(*ppm, "PPM").convertToFormat(QImage::Format_RGB32) : QImage();
+}
+
+QImage ReadFax(const QString& path, qint16 format, QSize size)
+{
+    const QString tiff = path + ".tif";
+    QStringList arguments = {format == 66 ? "-3" : format == 67 ? "-3" : "-4"};
+    if (format == 67) {
+        arguments += "-2";
+    }
+    arguments += {"-M", "-B", "-X", QString::number(size.width()), "-o", tiff, path};
+    if (!RunTool(QStringLiteral("fax2tiff"), arguments)) {
+        return {};
+    }
+    // It takes the ends of lines that end the page for rows.
+    return ReadByGraphicsMagick(tiff).copy(QRect(QPoint(), size));
+}
+
+QImage ReadPdf(const QString& path)
+{
+    const std::optional<QByteArray> done =
+        RunTool(QStringLiteral("pdfimages"), {"-png", path, path});
+    return done ? QImage(path + "-000.png").convertToFormat(QImage::Format_RGB32) : QImage();
+}
+
+namespace {
+
+/// A bitmap without file header, read by GraphicsMagick with one before it.
+QImage ReadBareBitmap(const QString& path, const QByteArray& bitmap)
+{
+    const int bits = qFromLittleEndian<quint16>(bitmap.constData() + 14);
+    const quint32 pixelsAt = 14 + 40 + (bits <= 8 ? 4u << bits : 0u);
+    QByteArray head(14, '\0');
+    head[0] = 'B';
+    head[1] = 'M';
+    qToLittleEndian(quint32(14 + bitmap.size()), head.data() + 2);
+    qToLittleEndian(pixelsAt, head.data() + 10);
+    const QString bmp = path + ".bmp";
+    WriteWholeFile(bmp, head + bitmap);
+    return ReadByGraphicsMagick(bmp);
+}
+
+} // namespace
+
+QImage ReadClipboardBitmap(const QString& path)
+{
+    const QByteArray file = ReadWholeFile(path, 1 << 24);
+    const auto little = [&](qsizetype at) {
+        return qFromLittleEndian<quint32>(file.constData() + at);
+    };
+    if (file.size() < 100 || qFromLittleEndian<quint16>(file.constData()) != 0xc350) {
+        return {};
+    }
+    return ReadBareBitmap(path, file.mid(little(10), little(6)));
+}
+
+QImage ReadMetafileBitmap(const QString& path)
+{
+    const QImage drawn = ReadByGraphicsMagick(path);
+    const QByteArray file = ReadWholeFile(path, 1 << 24);
+    for (qsizetype at = 22 + 18; at + 6 < file.size();) {
+        const qsizetype bytes = 2 * qFromLittleEndian<qint32>(file.constData() + at);
+        if (qFromLittleEndian<quint16>(file.constData() + at + 4) == 0x0f43) {
+            const QImage inside = ReadBareBitmap(path, file.mid(at + 6 + 22, bytes - 28));
+            return inside.size() == drawn.size() ? inside : QImage();
+        }
+        at += std::max<qsizetype>(bytes, 6);
+    }
+    return {};
+}
+
+QImage ReadRaw(const QString& path, qint32 bits, QSize size)
+{
+    if (bits == 1) { // a portable bit map is the same with 1 for black
+        QByteArray rows = ReadWholeFile(path, 1 << 24);
+        std::transform(rows.begin(), rows.end(), rows.begin(), [](char c) { return char(~c); });
+        const QString pbm = path + ".pbm";
+        WriteWholeFile(pbm,
+                       QStringLiteral("P4\n%1 %2\n").arg(size.width()).arg(size.height()).toLatin1()
+                           + rows);
+        return ReadByGraphicsMagick(pbm);
+    }
+    const char* kind = bits == 1   ? "mono"
+        : bits <= 16               ? "gray"
+        : bits == 24 || bits == 48 ? "rgb"
+                                   : "rgba";
+    const QString depth = QString::number(bits == 16 || bits >= 48 ? 16 : 8);
+    const std::optional<QByteArray> ppm =
+        RunTool(QStringLiteral("gm"),
+                {"convert", "-size", QStringLiteral("%1x%2").arg(size.width()).arg(size.height()),
+                 "-depth", depth, "-endian", "LSB", QString::fromLatin1(kind) + ":" + path,
+                 "-depth", "8", "-type", "TrueColor", "ppm:-"});
     return ppm ? QImage::fromData(*ppm, "PPM").convertToFormat(QImage::Format_RGB32) : QImage();
 }
 

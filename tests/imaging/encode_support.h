@@ -23,6 +23,17 @@ double Psnr(const Bitmap& one, const Bitmap& other);
 QImage ReadByGraphicsMagick(const QString& path);
 /// What FFmpeg reads of a file, as 8-bit RGB; null when it does not.
 QImage ReadByFfmpeg(const QString& path);
+/// What libtiff reads of a raw fax of that format code; null when it does not.
+QImage ReadFax(const QString& path, qint16 format, QSize size);
+/// The first picture that poppler finds in a PDF.
+QImage ReadPdf(const QString& path);
+/// The one bitmap of a clipboard file, read by GraphicsMagick with a file header before it.
+QImage ReadClipboardBitmap(const QString& path);
+/// The one bitmap of a metafile, read in the same way; null when the page that GraphicsMagick draws
+/// at 96 dots per inch has another size. (It draws between the pixels.)
+QImage ReadMetafileBitmap(const QString& path);
+/// What GraphicsMagick makes of raw samples.
+QImage ReadRaw(const QString& path, qint32 bits, QSize size);
 /// One value that exiftool tells of a file; empty when it has none.
 QString ExifToolValue(const QString& path, const QString& tag);
 
