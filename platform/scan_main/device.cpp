@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <sane/sane.h>
+#include <utility>
+#include <vector>
 
 namespace quillane::scan {
 
@@ -53,12 +56,46 @@ double AsNumber(const SANE_Option_Descriptor& what, SANE_Word word)
     return what.type == SANE_TYPE_FIXED ? SANE_UNFIX(word) : double(word);
 }
 
-} // namespace
-
-void FailAs(SANE_Status status, const std::string& during)
+// Throws a Stopped for a status that is an error.
+[[noreturn]] void FailAs(SANE_Status status, const std::string& during)
 {
     Fail(TroubleOf(status), during + ": " + Or(sane_strstatus(status)));
 }
+
+} // namespace
+
+class Device::Driver {
+public:
+    explicit Driver(const std::string& name);
+    ~Driver() { sane_close(mHandle); }
+    Driver(const Driver&) = delete;
+    Driver& operator=(const Driver&) = delete;
+
+    void TellChoices() const;
+    void Set(const std::string& name, const std::string& value);
+    void SendPage();
+    void Cancel() { sane_cancel(mHandle); }
+
+private:
+    struct Option {
+        SANE_Int number = -1;
+        const SANE_Option_Descriptor* what = nullptr;
+    };
+    Option Find(const std::string& name) const;
+    double Number(const std::string& name, double none) const;
+    std::string Text(const std::string& name) const;
+    void TellTexts(const char* option, const char* choice) const;
+    void TellResolutions() const;
+    void StartFrame(SANE_Parameters& frame);
+    void SendRows(const SANE_Parameters& frame);
+    void SendThreePasses(SANE_Parameters frame);
+    bool ReadSome(std::vector<SANE_Byte>& bytes, SANE_Int& count);
+    void SendHead(const SANE_Parameters& frame, int channels, long bytesPerLine) const;
+    std::vector<SANE_Byte> ReadFrame();
+
+    SANE_Handle mHandle = nullptr;
+    double mXResolution = 0, mYResolution = 0;
+};
 
 void TellSources()
 {
@@ -71,7 +108,7 @@ void TellSources()
                   {Or(all[i]->name), Or(all[i]->vendor), Or(all[i]->model), Or(all[i]->type)});
 }
 
-Device::Device(const std::string& name)
+Device::Driver::Driver(const std::string& name)
 {
     const SANE_Status status = sane_open(name.c_str(), &mHandle);
     if (status == SANE_STATUS_INVAL)
@@ -80,7 +117,7 @@ Device::Device(const std::string& name)
         FailAs(status, "opening");
 }
 
-Device::Option Device::Find(const std::string& name) const
+Device::Driver::Option Device::Driver::Find(const std::string& name) const
 {
     for (SANE_Int i = 1;; ++i) {
         const SANE_Option_Descriptor* what = sane_get_option_descriptor(mHandle, i);
@@ -91,7 +128,7 @@ Device::Option Device::Find(const std::string& name) const
     }
 }
 
-double Device::Number(const std::string& name, double none) const
+double Device::Driver::Number(const std::string& name, double none) const
 {
     const Option option = Find(name);
     SANE_Word word = 0;
@@ -103,7 +140,7 @@ double Device::Number(const std::string& name, double none) const
     return AsNumber(*option.what, word);
 }
 
-std::string Device::Text(const std::string& name) const
+std::string Device::Driver::Text(const std::string& name) const
 {
     const Option option = Find(name);
     if (option.what == nullptr || option.what->type != SANE_TYPE_STRING || option.what->size <= 0
@@ -116,7 +153,7 @@ std::string Device::Text(const std::string& name) const
     return text.data();
 }
 
-void Device::TellTexts(const char* option, const char* choice) const
+void Device::Driver::TellTexts(const char* option, const char* choice) const
 {
     const Option found = Find(option);
     if (found.what == nullptr || found.what->type != SANE_TYPE_STRING
@@ -128,7 +165,7 @@ void Device::TellTexts(const char* option, const char* choice) const
     SendTexts(Kind::Choice, {std::string(choice) + "-now", Text(option)});
 }
 
-void Device::TellResolutions() const
+void Device::Driver::TellResolutions() const
 {
     const Option found = Find("resolution");
     if (found.what == nullptr || !IsNumber(*found.what))
@@ -147,7 +184,7 @@ void Device::TellResolutions() const
     SendTexts(Kind::Choice, {"resolution-now", std::to_string(Number("resolution", 0))});
 }
 
-void Device::TellChoices() const
+void Device::Driver::TellChoices() const
 {
     TellTexts("mode", "mode");
     TellTexts("source", "feed");
@@ -162,7 +199,7 @@ void Device::TellChoices() const
     }
 }
 
-void Device::Set(const std::string& name, const std::string& value)
+void Device::Driver::Set(const std::string& name, const std::string& value)
 {
     const Option option = Find(name);
     if (option.what == nullptr || !SANE_OPTION_IS_ACTIVE(option.what->cap)
@@ -190,7 +227,7 @@ void Device::Set(const std::string& name, const std::string& value)
         FailAs(status, "setting " + name);
 }
 
-void Device::StartFrame(SANE_Parameters& frame)
+void Device::Driver::StartFrame(SANE_Parameters& frame)
 {
     SANE_Status status = sane_start(mHandle);
     if (status == SANE_STATUS_GOOD)
@@ -209,7 +246,7 @@ void Device::StartFrame(SANE_Parameters& frame)
     }
 }
 
-bool Device::ReadSome(std::vector<SANE_Byte>& bytes, SANE_Int& count)
+bool Device::Driver::ReadSome(std::vector<SANE_Byte>& bytes, SANE_Int& count)
 {
     if (stopWanted) {
         sane_cancel(mHandle);
@@ -227,7 +264,7 @@ bool Device::ReadSome(std::vector<SANE_Byte>& bytes, SANE_Int& count)
     return true;
 }
 
-void Device::SendHead(const SANE_Parameters& frame, int channels, long bytesPerLine) const
+void Device::Driver::SendHead(const SANE_Parameters& frame, int channels, long bytesPerLine) const
 {
     PageHead head;
     head.channels = channels;
@@ -240,7 +277,7 @@ void Device::SendHead(const SANE_Parameters& frame, int channels, long bytesPerL
     Send(Kind::Page, &head, sizeof head);
 }
 
-void Device::SendRows(const SANE_Parameters& frame)
+void Device::Driver::SendRows(const SANE_Parameters& frame)
 {
     SendHead(frame, frame.format == SANE_FRAME_RGB ? 3 : 1, frame.bytes_per_line);
     std::vector<SANE_Byte> bytes(kRowsAtOnce);
@@ -249,7 +286,7 @@ void Device::SendRows(const SANE_Parameters& frame)
         Send(count > 0 ? Kind::Rows : Kind::Alive, bytes.data(), size_t(count));
 }
 
-std::vector<SANE_Byte> Device::ReadFrame()
+std::vector<SANE_Byte> Device::Driver::ReadFrame()
 {
     std::vector<SANE_Byte> all;
     std::vector<SANE_Byte> bytes(kRowsAtOnce);
@@ -266,7 +303,7 @@ std::vector<SANE_Byte> Device::ReadFrame()
 }
 
 // Red, green and blue one after the other, in an order of the driver's choice.
-void Device::SendThreePasses(SANE_Parameters frame)
+void Device::Driver::SendThreePasses(SANE_Parameters frame)
 {
     std::vector<SANE_Byte> planes[3];
     const SANE_Parameters first = frame;
@@ -301,7 +338,7 @@ void Device::SendThreePasses(SANE_Parameters frame)
     }
 }
 
-void Device::SendPage()
+void Device::Driver::SendPage()
 {
     // Some drivers do not tell their options while they scan.
     const double resolution = Number("resolution", 0);
@@ -314,6 +351,43 @@ void Device::SendPage()
     else
         SendThreePasses(frame);
     sane_cancel(mHandle);
+}
+
+Device::Device(const std::string& name) : mDriver(std::make_unique<Driver>(name))
+{ }
+
+Device::~Device() = default;
+
+void Device::TellChoices() const
+{
+    mDriver->TellChoices();
+}
+
+void Device::Set(const std::string& name, const std::string& value)
+{
+    mDriver->Set(name, value);
+}
+
+void Device::SendPage()
+{
+    mDriver->SendPage();
+}
+
+void Device::Cancel()
+{
+    mDriver->Cancel();
+}
+
+void StartDrivers()
+{
+    const SANE_Status status = sane_init(nullptr, nullptr);
+    if (status != SANE_STATUS_GOOD)
+        FailAs(status, "starting SANE");
+}
+
+void EndDrivers()
+{
+    sane_exit();
 }
 
 } // namespace quillane::scan

@@ -7,9 +7,9 @@
 #include <string>
 #include <unistd.h>
 
-namespace {
+namespace quillane::scan {
 
-using namespace quillane::scan;
+namespace {
 
 std::unique_ptr<Device> device;
 std::atomic<bool> mayCancel{false};
@@ -42,14 +42,11 @@ void RunOrder(const std::string& order, int count, char** arguments)
         device->SendPage();
 }
 
-} // namespace
-
-int main(int count, char** arguments)
+// Carries out one order; the process ends with it.
+[[noreturn]] void RunProgram(int count, char** arguments)
 {
     try {
-        const SANE_Status status = sane_init(nullptr, nullptr);
-        if (status != SANE_STATUS_GOOD)
-            FailAs(status, "starting SANE");
+        StartDrivers();
         RunOrder(count > 1 ? arguments[1] : "", count - 2, arguments + 2);
         Send(Kind::Done, nullptr, 0);
     } catch (const Stopped& stopped) {
@@ -58,6 +55,15 @@ int main(int count, char** arguments)
     // The program has what it wanted; now the driver may put its scanner to rest.
     mayCancel = false;
     device.reset();
-    sane_exit();
+    EndDrivers();
     _exit(0);
+}
+
+} // namespace
+
+} // namespace quillane::scan
+
+int main(int count, char** arguments)
+{
+    quillane::scan::RunProgram(count, arguments);
 }

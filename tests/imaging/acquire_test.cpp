@@ -4,7 +4,6 @@
 #include "platform/fake/fake_loop.h"
 #include "platform/fake/fake_scanner.h"
 #include "platform/scanner_support.h"
-#include <QSignalSpy>
 #include <cstring>
 
 namespace quillane {
@@ -238,10 +237,11 @@ TEST(TwainSelect, TheChoiceHoldsForTheRun)
     QList<ScanSource> shown;
     const auto choose = [&](std::optional<QString> answer) {
         return [&, answer](SourceSearch& search, const QString&) {
-            QSignalSpy found(&search, &SourceSearch::Found);
-            while (found.isEmpty())
+            shown.clear();
+            QObject::connect(&search, &SourceSearch::Found,
+                             [&](const QList<ScanSource>& sources) { shown = sources; });
+            while (shown.isEmpty())
                 loop.WaitForEvents(1000);
-            shown = found[0][0].value<QList<ScanSource>>();
             return answer;
         };
     };
@@ -258,17 +258,19 @@ TEST(SourceSearch, TellsWhyThereIsNoAnswerAndCanBeRepeated)
     FakeLoop loop;
     scanner.trouble = "Out of order.";
     SourceSearch search(scanner);
-    QSignalSpy failed(&search, &SourceSearch::Failed);
-    QSignalSpy found(&search, &SourceSearch::Found);
+    QString failed;
+    int found = 0;
+    QObject::connect(&search, &SourceSearch::Failed, [&](const QString& words) { failed = words; });
+    QObject::connect(&search, &SourceSearch::Found, [&] { ++found; });
     search.Start();
     search.Start();
     while (failed.isEmpty())
         loop.WaitForEvents(1000);
-    EXPECT_EQ(failed[0][0].toString(), "Out of order.");
+    EXPECT_EQ(failed, "Out of order.");
     EXPECT_FALSE(search.IsRunning());
     scanner.trouble.clear();
     search.Start();
-    while (found.isEmpty())
+    while (found == 0)
         loop.WaitForEvents(1000);
     EXPECT_EQ(scanner.searches, 2);
 }

@@ -71,16 +71,30 @@ QString WordsOfScan(const std::function<void()>& step)
     return {};
 }
 
-// The children of this thread.
-QList<pid_t> Children()
+QList<pid_t> ChildrenOfThread()
 {
     QList<pid_t> pids;
-    for (const QByteArray& pid : ReadWholeFile("/proc/thread-self/children", 10'000).split(' ')) {
+    for (const QByteArray& pid : ReadWholeFile("/proc/thread-self/children", 100'000).split(' ')) {
         if (!pid.trimmed().isEmpty())
             pids.append(pid.trimmed().toInt());
     }
     return pids;
 }
+
+// Processes that were started since this was made and are not gone.
+class NewChildren {
+public:
+    QList<pid_t> Now() const
+    {
+        QList<pid_t> pids = ChildrenOfThread();
+        for (const pid_t before : mBefore)
+            pids.removeAll(before);
+        return pids;
+    }
+
+private:
+    QList<pid_t> mBefore = ChildrenOfThread();
+};
 
 // A program in the place of quillane-scan.
 class StandIn {
@@ -272,6 +286,7 @@ TEST(DesktopScanner, ProgressGrowsToTheEnd)
 
 TEST(DesktopScanner, ASourceThatFailsSaysSo)
 {
+    const NewChildren children;
     struct Case {
         const char* status;
         qint32 number;
@@ -296,7 +311,7 @@ TEST(DesktopScanner, ASourceThatFailsSaysSo)
         DesktopScanner scanner(kScanProgram);
         EXPECT_EQ(FailureOf([&] { scanner.Acquire(kFirst, {}); }), row.number);
         EXPECT_TRUE(WordsOfScan([&] { scanner.Acquire(kFirst, {}); }).contains(row.words));
-        EXPECT_TRUE(Children().isEmpty());
+        EXPECT_TRUE(children.Now().isEmpty());
     }
 }
 
@@ -324,6 +339,7 @@ TEST(DesktopScanner, APageComesFromTheFeeder)
 
 TEST(DesktopScanner, CancellingEndsTheScan)
 {
+    const NewChildren children;
     const TestScanners sane("read-delay true\nread-delay-duration 1000\n");
     ScanWishes wishes;
     wishes.mode = "Color";
@@ -333,13 +349,14 @@ TEST(DesktopScanner, CancellingEndsTheScan)
     EXPECT_EQ(FailureOf([&] { DesktopScanner(kScanProgram).Acquire(kFirst, wishes, progress); }),
               kFailureCancelled);
     EXPECT_EQ(told, 3);
-    EXPECT_TRUE(Children().isEmpty());
+    EXPECT_TRUE(children.Now().isEmpty());
     // And the next one finds a scanner.
     EXPECT_GT(DesktopScanner(kScanProgram).Acquire(kFirst, {}).height, 0);
 }
 
 TEST(DesktopScanner, AProgramThatIsKilledInMidScanCostsAMessage)
 {
+    const NewChildren children;
     const TestScanners sane("read-delay true\nread-delay-duration 1000\n");
     ScanWishes wishes;
     wishes.mode = "Color";
@@ -350,7 +367,7 @@ TEST(DesktopScanner, AProgramThatIsKilledInMidScanCostsAMessage)
     try {
         scanner.Acquire(kFirst, wishes, [&](double part) {
             if (part > 0) {
-                for (const pid_t child : Children())
+                for (const pid_t child : children.Now())
                     kill(child, SIGKILL);
             }
             return true;
@@ -361,12 +378,13 @@ TEST(DesktopScanner, AProgramThatIsKilledInMidScanCostsAMessage)
     }
     EXPECT_EQ(number, kFailureWorker);
     EXPECT_TRUE(words.contains("crashed (signal 9)")) << words.toStdString();
-    EXPECT_TRUE(Children().isEmpty());
+    EXPECT_TRUE(children.Now().isEmpty());
     EXPECT_GT(scanner.Acquire(kFirst, {}).height, 0);
 }
 
 TEST(DesktopScanner, ADriverThatCrashesEndsOrHangsCostsAMessage)
 {
+    const NewChildren children;
     const ScanPatience little{200, 200};
     const StandIn crashes("kill -SEGV $$\n"), ends("exit 0\n"), hangs("exec tail -f /dev/null\n"),
         leavesAChild("tail -f /dev/null & kill -SEGV $$\n");
@@ -376,7 +394,7 @@ TEST(DesktopScanner, ADriverThatCrashesEndsOrHangsCostsAMessage)
         EXPECT_EQ(FailureOf([&] { scanner->Sources(); }), kFailureWorker);
         EXPECT_EQ(FailureOf([&] { scanner->Choices("a"); }), kFailureWorker);
         EXPECT_EQ(FailureOf([&] { scanner->Acquire("a", {}); }), kFailureWorker);
-        EXPECT_TRUE(Children().isEmpty());
+        EXPECT_TRUE(children.Now().isEmpty());
     }
     EXPECT_TRUE(WordsOfScan([&] { crashing.Sources(); }).contains("signal 11"));
     EXPECT_TRUE(WordsOfScan([&] { hanging.Sources(); }).contains("does not answer"));
