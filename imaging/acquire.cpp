@@ -184,6 +184,7 @@ void BringPage(EngineInstance& instance, Scanner& scanner, UiLoop& loop, const A
     Bitmap picture = WhileEventsRun<Bitmap>(loop, hooks.progress, [&](const ScanProgress& tell) {
         return BitmapFromScan(scanner.Acquire(source, wishes, tell));
     });
+    instance.SetBitmap({}); // the page has nothing to do with the file that was loaded
     instance.SetBitmap(std::move(picture));
 }
 

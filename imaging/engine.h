@@ -129,9 +129,13 @@ public:
     // old. One of no pixels is none. It goes with the image: Load, Resize and an empty image drop
     // it, another image keeps what lies on it.
 
+    /// In image coordinates; a width or height below 1 makes no region.
     void SetRegionRect(qint32 left, qint32 top, qint32 width, qint32 height);
+    /// The ellipse inside that rectangle.
     void SetRegionEllipse(qint32 left, qint32 top, qint32 width, qint32 height);
+    /// The rectangle with quarter circles of that radius in its corners.
     void SetRegionRoundRect(qint32 left, qint32 top, qint32 width, qint32 height, qint32 radius);
+    /// What the outline encloses; it is closed where it ends.
     void SetRegionFreeHand(const QList<QPoint>& outline);
     /// The pixels whose colour lies between the two in red, green and blue.
     void SetRegionColor(qint32 lowest, qint32 highest);
@@ -150,6 +154,7 @@ public:
     /// Its picture, transparent outside its shape; empty without a floater.
     const quillane::Bitmap& FloaterHandle() const { return mFloater.shown; }
     bool FloaterVisible() const { return mFloater.visible; }
+    /// Whether the floater is shown; it stays where it is.
     void SetFloaterVisible(bool visible);
     /// Of its upper left corner in the image; it may lie beside it.
     QPoint FloaterPosition() const { return mFloater.position; }
@@ -167,6 +172,7 @@ public:
     void SetDrawTextColor(qint32 colour) { mText.colour = colour; }
     /// 0, the only one: pixels of the text replace those of the image.
     qint32 DrawMode() const { return mText.mode; }
+    /// Failure for any other mode than 0.
     void SetDrawMode(qint32 mode);
     /// Whether the image shows between the letters; else it is white there.
     bool DrawTransparent() const { return mText.transparent; }
