@@ -5,20 +5,31 @@
 #include "imaging/reader.h"
 #include "imaging/saving/save_content.h"
 #include <QSize>
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace quillane {
 
 namespace {
 
+/// Whether files of a codec can be read by their content alone and tell the picture's own size.
+bool SavedFormatIsRead(const char* name)
+{
+    // The names of two tell their size, if anything; pages of the third are all of one.
+    constexpr const char* kWithoutSize[] = {"RAW", "FAX", "MacPaint"};
+    const auto is = [name](const char* other) { return std::strcmp(other, name) == 0; };
+    const std::span<const Codec> all = AllCodecs();
+    return std::none_of(std::begin(kWithoutSize), std::end(kWithoutSize), is)
+        && std::any_of(all.begin(), all.end(), [&](const Codec& codec) {
+               return is(codec.name) && (codec.probe || codec.inWorker);
+           });
+}
+
 /// Reads a finished draft back: what it says of itself, and the text that people type.
 void ReadBack(const QString& draft, const SaveJob& job, const SavePlan& plan)
 {
-    bool readable = false;
-    for (const Codec& codec : AllCodecs()) {
-        readable |= std::strcmp(codec.name, plan.variant->codec) == 0;
-    }
-    if (!readable) {
+    if (!SavedFormatIsRead(plan.variant->codec)) {
         return;
     }
     FileSource source(draft);

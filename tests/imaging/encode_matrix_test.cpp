@@ -37,7 +37,9 @@ std::vector<EncodeCase> EncodeCases(bool readHere)
     std::vector<EncodeCase> cases;
     for (const SaveVariant& variant : SaveVariants()) {
         for (const qint32* bits = variant.depths; *bits != 0; ++bits) {
-            if (!readHere || IsReadHere(variant)) {
+            // DICOM files are given to their own tools in tests of their own.
+            const bool others = std::strcmp(variant.codec, "DICOM") != 0;
+            if (readHere ? IsReadHere(variant) : others) {
                 cases.push_back({&variant, *bits});
             }
         }
@@ -127,6 +129,10 @@ QImage ReadByOthers(const QString& path, const SaveVariant& variant, qint32 bits
 /// Whether this program reads what it writes under a code.
 bool IsReadHere(const SaveVariant& variant)
 {
+    // Bare samples and bare fax codes tell nothing of their size.
+    if (std::strcmp(variant.codec, "RAW") == 0 || std::strcmp(variant.codec, "FAX") == 0) {
+        return false;
+    }
     const std::span<const Codec> all = AllCodecs();
     return std::any_of(all.begin(), all.end(), [&](const Codec& codec) {
         return std::strcmp(codec.name, variant.codec) == 0

@@ -46,7 +46,11 @@ TEST_P(SaveMatrix, IsReadBackWithItsComments)
     const QString text = QStringLiteral("Name=Ann\r\nCity=Zürich\r\n");
     bool readable = false;
     for (const Codec& codec : AllCodecs()) {
-        readable |= std::strcmp(codec.name, variant.codec) == 0;
+        readable |= std::strcmp(codec.name, variant.codec) == 0 && (codec.probe || codec.inWorker);
+    }
+    // Bare samples and bare fax codes tell nothing of their size, and MacPaint's pages have one.
+    for (const char* without : {"RAW", "FAX", "MacPaint"}) {
+        readable = readable && std::strcmp(variant.codec, without) != 0;
     }
     for (const qint32 bits : variant.depths) {
         if (bits == 0) {
