@@ -65,7 +65,8 @@ TEST(CodecSamples, FactsAndPixelsAreAsTheListTells)
         FileSource source(path);
         const QByteArray head = source.Head(512);
         const Codec* codec = FindCodec(head, file.section('.', -1));
-        if (!codec || codec->inWorker || CodecSampleIsDrawn(codec->name)) {
+        const bool refused = file.endsWith(".dwg") || file.endsWith(".dwf");
+        if (!codec || codec->inWorker || CodecSampleIsDrawn(codec->name) || refused) {
             continue;
         }
         SCOPED_TRACE(file.toStdString());
@@ -74,7 +75,9 @@ TEST(CodecSamples, FactsAndPixelsAreAsTheListTells)
         const ImageFacts& facts = loaded.facts;
         EXPECT_EQ(facts.width, row["width"].toInt());
         EXPECT_EQ(facts.height, row["height"].toInt());
-        EXPECT_EQ(facts.bits, row["bits_per_pixel"].toInt());
+        if (const int bits = row["bits_per_pixel"].toInt()) { // of bare samples it tells none
+            EXPECT_EQ(facts.bits, bits);
+        }
         if (!file.endsWith(".psd")) { // there the list counts layers
             EXPECT_EQ(facts.pages, row["frames"].toInt());
         }
