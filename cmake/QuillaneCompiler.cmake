@@ -25,5 +25,6 @@ if(QUILLANE_SANITIZE)
   target_link_options(quillane_options INTERFACE -fsanitize=address,undefined)
   target_compile_definitions(quillane_options INTERFACE QUILLANE_SANITIZED)
   # GCC's sanitizers make some harmless paths look uninitialised.
-  target_compile_options(quillane_options INTERFACE -Wno-error=maybe-uninitialized)
+  target_compile_options(quillane_options INTERFACE
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-error=maybe-uninitialized>)
 endif()

@@ -37,6 +37,10 @@ QByteArray CarryIntoTiff(const QByteArray& encoded, const CarryPlan& plan);
 QByteArray CarryIntoPng(const QByteArray& encoded, const CarryPlan& plan);
 QByteArray CarryIntoGif(const QByteArray& encoded, const CarryPlan& plan);
 
+/// Whether a JPEG or TIFF has an embedded preview that a change of its pixels makes stale, so that
+/// the caller renews it (CarryPlan::preview).
+bool HoldsPreview(ByteSource& original);
+
 /// The original with changed comments and its pixels as they lie in the file: for a TIFF appended
 /// at the end, for a PNG or GIF with other text chunks or comment extensions. Changes of slots
 /// that the kind of file has no place for are passed over.

@@ -5,6 +5,8 @@
 #include "imaging/comments/text_bytes.h"
 #include "imaging/exif/exif_slots.h"
 #include "imaging/limits.h"
+#include "imaging/thumbs/exif_preview.h"
+#include <algorithm>
 
 namespace quillane::carry {
 
@@ -185,6 +187,27 @@ private:
 } // namespace quillane::carry
 
 namespace quillane {
+
+bool HoldsPreview(ByteSource& original)
+{
+    const QByteArray bytes = original.All(limits::kMaxFileBytes);
+    const std::optional<exif::TiffStructure> structure = exif::TiffStructure::Open(bytes);
+    if (!structure) {
+        return !ReadEmbeddedPreview(original).isEmpty();
+    }
+    const exif::TiffDirectory first = structure->ReadDirectory(structure->FirstDirectory());
+    const exif::TiffField* list = exif::FindField(first, exif::kTagSubDirectories);
+    for (quint64 i = 0; list && i < std::min(list->count, exif::TiffStructure::kMaxFields); ++i) {
+        const quint64 at = structure->Number(*list, i).value_or(0);
+        const exif::TiffDirectory directory =
+            structure->ReadDirectory(at < quint64(bytes.size()) ? qint64(at) : 0);
+        const exif::TiffField* kind = exif::FindField(directory, exif::kTagNewSubfileType);
+        if (kind && (structure->Number(*kind).value_or(0) & carry::kCarryTiffReduced) != 0) {
+            return true;
+        }
+    }
+    return false;
+}
 
 QByteArray CarryIntoTiff(const QByteArray& encoded, const CarryPlan& plan)
 {

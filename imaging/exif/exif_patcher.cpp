@@ -78,6 +78,44 @@ void PatcherSetFacts(TiffEditor& editor, const ExifFacts& facts, ExifFacts::Prev
     }
 }
 
+/// The interoperability directory repeats the picture's size, in its entries themselves; it stays
+/// where it is.
+void PatcherCorrectInterop(QByteArray& block, const ExifFacts& facts)
+{
+    constexpr quint16 kRelatedWidth = 0x1001, kRelatedHeight = 0x1002;
+    const std::optional<exif::TiffStructure> structure = exif::TiffStructure::Open(block);
+    if (!structure || facts.width <= 0 || facts.height <= 0) {
+        return;
+    }
+    qint64 at = structure->FirstDirectory();
+    for (const quint16 pointer : {exif::kTagExifPointer, exif::kTagInteropPointer}) {
+        const exif::TiffDirectory directory = structure->ReadDirectory(at);
+        const exif::TiffField* field = exif::FindField(directory, pointer);
+        const quint64 to = field ? structure->Number(*field).value_or(0) : 0;
+        at = to < quint64(block.size()) ? qint64(to) : 0;
+    }
+    const exif::TiffDirectory interop = structure->ReadDirectory(at);
+    const exif::TiffField* index = exif::FindField(interop, 1);
+    if (!interop.whole || !index || index->type != exif::kTypeAscii) {
+        return; // there is none, or what is there is something else
+    }
+    QByteArray corrected = block;
+    for (size_t i = 0; i < interop.fields.size(); ++i) {
+        const exif::TiffField& field = interop.fields[i];
+        const int width = exif::FieldTypeBytes(field.type);
+        const qint32 number = field.tag == kRelatedWidth ? facts.width
+            : field.tag == kRelatedHeight                ? facts.height
+                                                         : 0;
+        if (number > 0 && field.count == 1
+            && (field.type == exif::kTypeLong
+                || (field.type == exif::kTypeShort && number < 65'536))) {
+            const qint64 entry = at + structure->CountBytes() + qint64(i) * structure->EntryBytes();
+            corrected.replace(entry + 8, width, structure->BytesOf(quint64(number), width));
+        }
+    }
+    block = corrected;
+}
+
 /// One way to patch a block; the caller tries the next when the result is too large.
 QByteArray PatcherTry(const QByteArray& block, std::span<const CommentChange> changes,
                       const ExifFacts& facts, ExifFacts::Preview preview, bool reclaimZeros)
@@ -89,6 +127,7 @@ QByteArray PatcherTry(const QByteArray& block, std::span<const CommentChange> ch
     if (patched.size() > block.size() && exif::RemoveDanglingSlots(editor)) {
         patched = editor.Commit(reclaimZeros);
     }
+    PatcherCorrectInterop(patched, facts);
     return patched;
 }
 

@@ -269,6 +269,10 @@ TEST_F(CarryTiff, PreviewHangsOnTheFirstDirectoryAndIsRenewed)
         return file.mid(qsizetype(at), qsizetype(size));
     };
     EXPECT_EQ(preview(with), one);
+    MemorySource holding(with);
+    EXPECT_TRUE(HoldsPreview(holding));
+    MemorySource lacking(Encoded(30, 30, 'e'));
+    EXPECT_FALSE(HoldsPreview(lacking));
     EXPECT_EQ(preview(ReplaceText(with, QString(50, u't'))), one);
     PlanOf again(with, ReadTiffComments);
     again.plan.exif = false;

@@ -200,6 +200,24 @@ TEST(PatchExifBlock, OrientationAndDimensionsAreCorrected)
     EXPECT_EQ(patched.size(), CameraBlock().size());
 }
 
+TEST(PatchExifBlock, TheInteroperabilityDirectoryRepeatsTheSize)
+{
+    ExifMaker maker(true);
+    maker.Long(ExifMaker::Exif, 0xa005, {0}).Long(ExifMaker::Exif, 0xa002, {4000});
+    const QByteArray draft = maker.Block();
+    maker.Long(ExifMaker::Exif, 0xa005, {draft.size()});
+    const QByteArray interop = QByteArray("\0\3\0\1\0\2\0\0\0\4R98\0\x10\1\0\3\0\0\0\1\x0f\xa0\0\0"
+                                          "\x10\2\0\4\0\0\0\1\0\0\x0b\xb8\0\0\0\0",
+                                          42);
+    ExifFacts facts;
+    facts.width = 640;
+    facts.height = 70'000;
+    const QByteArray patched = Patch(maker.Block() + interop, {Describe(QString(50, u'i'))}, facts);
+    QByteArray expected = interop;
+    expected.replace(22, 2, "\x02\x80").replace(34, 4, QByteArray("\0\1\x11\x70", 4));
+    EXPECT_EQ(patched.indexOf(expected), draft.size());
+}
+
 TEST(PatchExifBlock, TextWithUmlautsIsUtf8AndEndsInAZero)
 {
     const QString text = QStringLiteral("\u00c4pfel \u4e2d\u6587 \U0001f600");
