@@ -25,7 +25,7 @@ public:
     void Adopt(LoadedImage loaded);
     /// Writes the image with all pending comments, which stay pending, and what no comment names of
     /// the file it was loaded from. bits: per pixel in the file, 0 for the image's own; quality:
-    /// 2..255, 2 the best; mode: 0 replaces, 2 creates only, any other appends a page. Returns 0,
+    /// 2..255, 2 the best; mode: see PictureSaveMode. Returns 0,
     /// or with method errors off the number of the Failure. See SavePicture for what fails.
     qint32 Save(const QString& file, qint16 format, qint32 bits, qint32 quality, qint32 mode);
     /// Save in mode 0 with a small picture embedded, which fits the stamp's size with its shape

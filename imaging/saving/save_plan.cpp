@@ -52,10 +52,18 @@ SavePlan PlanSave(const SaveJob& job)
 
 void RefuseLosses(const SaveJob& job, const SavePlan& plan)
 {
+    const QString leaf = SaveLeaf(job.path);
+    const bool appends = job.mode != kSaveReplace && job.mode != kSaveCreate;
+    if (appends && StatPath(job.path).type != FileType::Missing) {
+        throw Failure(
+            kFailureGeneral,
+            QStringLiteral("\"%1\" is there already, and no page can be added to it. Save "
+                           "under another name.")
+                .arg(leaf));
+    }
     if (!plan.inPlace && !plan.replaced) {
         return;
     }
-    const QString leaf = SaveLeaf(job.path);
     if (plan.replaced || !job.loaded->IsUnchanged()) {
         throw Failure(kFailureIo,
                       QStringLiteral("\"%1\" has been changed by another program since it was "

@@ -9,7 +9,8 @@
 
 namespace quillane {
 
-/// Save modes as the windows pass them; any other number appends too.
+/// Save modes as the windows pass them; any other number appends too. Appending makes a file; one
+/// that is there already takes no page and is left alone.
 enum PictureSaveMode : qint32 { kSaveReplace = 0, kSaveAppend = 1, kSaveCreate = 2 };
 
 /// A small picture that goes into the file.
