@@ -27,7 +27,7 @@ QByteArray Little(quint32 value, int bytes)
 {
     QByteArray out;
     for (int i = 0; i < bytes; ++i) {
-        out.append(char(value >> (8 * i) & 255));
+        out.append(i < 4 ? char(value >> (8 * i) & 255) : '\0');
     }
     return out;
 }
