@@ -172,7 +172,9 @@ QByteArray ReplaceCommentsInGif(ByteSource& original, std::span<const CommentCha
         carry::CarryGifDescribe(parts, now);
     }
     carry::CarryGifXmp(parts, carry::XmpWishesOf(before, wanted, false));
-    return parts.Joined();
+    const QByteArray changed = parts.Joined();
+    carry::RequireDescription(changed, ReadGifComments, now);
+    return changed;
 }
 
 } // namespace quillane

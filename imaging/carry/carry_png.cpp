@@ -240,7 +240,9 @@ QByteArray ReplaceCommentsInPng(ByteSource& original, std::span<const CommentCha
     }
     carry::PngParts parts = carry::CutPng(original.All(limits::kMaxFileBytes));
     carry::PutPngComments(parts, changes, {}, carry::XmpWishesOf(before, wanted, false));
-    return parts.Joined();
+    const QByteArray changed = parts.Joined();
+    carry::RequireDescription(changed, ReadPngComments, carry::SlotText(wanted, kDescriptionSlot));
+    return changed;
 }
 
 } // namespace quillane

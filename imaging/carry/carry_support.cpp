@@ -1,5 +1,7 @@
 #include "imaging/carry/carry_support.h"
+#include "core/failure.h"
 #include "imaging/comments/slots.h"
+#include "imaging/comments/text_bytes.h"
 #include "imaging/exif/exif_slots.h"
 #include "imaging/limits.h"
 #include <algorithm>
@@ -52,6 +54,23 @@ XmpWishes XmpWishesOf(const CommentSet& before, const CommentSet& wanted, bool u
         wishes.description = {was, now};
     }
     return wishes;
+}
+
+void RequireDescription(const QByteArray& changed, void (*read)(ByteSource&, CommentSet&),
+                        const QString& wanted)
+{
+    MemorySource source(changed);
+    CommentSet after;
+    read(source, after);
+    const auto plain = [](const QString& text) { // zeros end a text, or become lines
+        return TextFromFieldBytes(text.toUtf8()).replace(QChar(u'\0'), u'\n');
+    };
+    if (plain(SlotText(after, kDescriptionSlot)) != plain(wanted)) {
+        throw Failure(
+            kFailureUnreadable,
+            QStringLiteral("This file is damaged: its description cannot be changed. Save "
+                           "the picture under another name."));
+    }
 }
 
 bool ProfileFits(const QByteArray& icc, int channels)

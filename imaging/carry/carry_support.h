@@ -16,6 +16,10 @@ ExifFacts FactsOf(const CarryPlan& plan);
 XmpWishes XmpWishesOf(const CommentSet& before, const CommentSet& wanted, bool upright);
 /// The text of a slot, empty for none or for another shape.
 QString SlotText(const CommentSet& set, qint16 slot);
+/// Failure when `changed` reads back with another description than `wanted`: a piece of the file
+/// that is too damaged to be replaced still says something.
+void RequireDescription(const QByteArray& changed, void (*read)(ByteSource&, CommentSet&),
+                        const QString& wanted);
 /// Whether a colour profile is one for pictures of so many colour channels; true where it does
 /// not say what for.
 bool ProfileFits(const QByteArray& icc, int channels);

@@ -160,6 +160,16 @@ TEST(ReplaceCommentsInGif, NothingElseChangesByAByte)
               kFailureUnreadable);
 }
 
+TEST(ReplaceCommentsInGif, ACommentThatIsCutOffCannotBeTakenAway)
+{
+    const QByteArray text = QByteArray(200, 't');
+    const QByteArray gif = With(GifExtension(0xfe, text));
+    // Of two pieces the first is whole, and it is read.
+    const QByteArray cut = gif.left(gif.indexOf(text) + text.size()) + "\x20tt";
+    EXPECT_EQ(test::FailureOf([&] { Replace(cut, {}); }).Number(), kFailureUnreadable);
+    EXPECT_TRUE(Described(Replace(gif, {})).isEmpty());
+}
+
 TEST(ReplaceCommentsInGif, XmpIsKeptInStepInItsOwnExtension)
 {
     const auto xmp = [](const QByteArray& text) {

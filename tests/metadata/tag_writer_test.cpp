@@ -70,6 +70,7 @@ protected:
                                      "IFD0:ImageHeight",
                                      "ExifImageWidth",
                                      "ExifImageHeight",
+                                     "InteropIFD:RelatedImage",
                                      "MPF0:",
                                      "MPImage",
                                      "StripByteCounts",
