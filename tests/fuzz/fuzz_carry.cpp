@@ -5,9 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
+namespace quillane {
 namespace {
-
-using namespace quillane;
 
 const fuzz::Carrier& Fuzzed()
 {
@@ -50,25 +49,30 @@ void Carry(const QByteArray& original, bool exif, const CommentValue& text)
 }
 
 } // namespace
+} // namespace quillane
 
 QList<QByteArray> MetadataSeeds()
 {
-    return Fuzzed().seeds();
+    return quillane::Fuzzed().seeds();
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const QByteArray bytes(reinterpret_cast<const char*>(data), qsizetype(size));
-    const CommentValue text = QStringLiteral("City=\u00c5lborg\r\nand more");
+    const quillane::CommentValue text = QStringLiteral("City=\u00c5lborg\r\nand more");
     for (const bool exif : {true, false}) {
-        Carry(bytes, exif, text);
+        quillane::Carry(bytes, exif, text);
     }
-    if (Fuzzed().replace) {
-        MemorySource source(bytes);
-        const CommentChange change{kDescriptionSlot, text};
-        ResumeNext([&] { Expect(Fuzzed().replace(source, {&change, 1}), text); });
-        const CommentChange clear{kDescriptionSlot, {}};
-        ResumeNext([&] { Expect(Fuzzed().replace(source, {&clear, 1}), {}); });
+    if (quillane::Fuzzed().replace) {
+        quillane::MemorySource source(bytes);
+        const quillane::CommentChange change{quillane::kDescriptionSlot, text};
+        quillane::ResumeNext([&] {
+            quillane::Expect(quillane::Fuzzed().replace(source, {&change, 1}), text);
+        });
+        const quillane::CommentChange clear{quillane::kDescriptionSlot, {}};
+        quillane::ResumeNext([&] {
+            quillane::Expect(quillane::Fuzzed().replace(source, {&clear, 1}), {});
+        });
     }
     return 0;
 }

@@ -6,9 +6,8 @@
 #include <cstdlib>
 #include <optional>
 
+namespace quillane {
 namespace {
-
-using namespace quillane;
 
 struct Note {
     exif::ByteRange range;
@@ -85,6 +84,7 @@ void Patch(const QByteArray& block, int choice)
 }
 
 } // namespace
+} // namespace quillane
 
 QList<QByteArray> MetadataSeeds()
 {
@@ -100,8 +100,8 @@ QList<QByteArray> MetadataSeeds()
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     if (size >= 2) {
-        Patch(QByteArray(reinterpret_cast<const char*>(data) + 2, qsizetype(size) - 2),
-              data[0] << 3 ^ data[1]);
+        quillane::Patch(QByteArray(reinterpret_cast<const char*>(data) + 2, qsizetype(size) - 2),
+                        data[0] << 3 ^ data[1]);
     }
     return 0;
 }
