@@ -1,5 +1,6 @@
 // Runs a fuzz target without a fuzzer: over pictures made here, whole, cut off and damaged, and
-// over the files and folders named on the command line.
+// over the files and folders named on the command line. With --seeds FOLDER it writes its inputs
+// there, for a fuzzer to begin with.
 #include "core/native_path.h"
 #include "fuzz_codec.h"
 #include "imaging/codec.h"
@@ -53,10 +54,16 @@ int main(int argc, char** argv)
     using namespace quillane;
     std::mt19937 chance(7); // the same damage at every run
     const QMap<QString, QByteArray> made = making::MadePictures();
+    const bool seeds = argc == 3 && std::strcmp(argv[1], "--seeds") == 0;
     for (auto i = made.begin(); i != made.end(); ++i) {
-        if (IsOfCodec(i.value(), i.key())) {
+        if (seeds && IsOfCodec(i.value(), i.key())) {
+            WriteWholeFile(PathFromBytes(argv[2]) + u'/' + i.key(), i.value());
+        } else if (IsOfCodec(i.value(), i.key())) {
             ReplayMade(i.value(), chance);
         }
+    }
+    if (seeds) {
+        return 0;
     }
     for (int i = 1; i < argc; ++i) {
         const QString path = PathFromBytes(argv[i]);

@@ -1,8 +1,10 @@
 // Runs a target of metadata without a fuzzer: over its own inputs, whole, cut off and damaged,
-// and over the files named on the command line.
+// and over the files named on the command line. With --seeds FOLDER it writes its inputs there,
+// for a fuzzer to begin with.
 #include "core/native_path.h"
 #include "fuzz_metadata.h"
 #include <cstdio>
+#include <cstring>
 #include <random>
 
 namespace {
@@ -42,6 +44,13 @@ int main(int argc, char** argv)
     using namespace quillane;
     constexpr int kCuts = 60;
     constexpr int kDamaged = 400;
+    if (argc == 3 && std::strcmp(argv[1], "--seeds") == 0) {
+        int number = 0;
+        for (const QByteArray& seed : MetadataSeeds()) {
+            WriteWholeFile(PathFromBytes(argv[2]) + QStringLiteral("/made%1").arg(++number), seed);
+        }
+        return 0;
+    }
     std::mt19937 chance(7); // the same damage at every run
     for (const QByteArray& seed : MetadataSeeds()) {
         for (int part = 0; part <= kCuts; ++part) {

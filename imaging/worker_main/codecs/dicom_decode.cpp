@@ -1,5 +1,6 @@
 #include "core/failure.h"
 #include "imaging/worker_main/codecs/dicom_file.h"
+#include "imaging/worker_main/codecs/dicom_rle.h"
 #include "imaging/worker_main/codecs/shipped_codecs.h"
 #include <algorithm>
 #include <dcmtk/dcmdata/dcdeftag.h>
@@ -109,6 +110,7 @@ bool DecodeDicom(ByteSource& source, const PictureWish& wish, PictureSink& sink)
     if (wish.page < 0 || wish.page >= facts.facts.pages) {
         throw Failure(kFailureGeneral, QStringLiteral("This DICOM file has no such frame."));
     }
+    CheckDicomRuns(file.Dataset());
     const E_TransferSyntax syntax = file.Dataset().getOriginalXfer();
     DicomImage image(&file.Dataset(), syntax, CIF_UsePartialAccessToPixelData,
                      static_cast<unsigned long>(wish.page), 1);

@@ -1,6 +1,7 @@
 #include "core/failure.h"
 #include "imaging/limits.h"
 #include "imaging/worker_main/codecs/shipped_codecs.h"
+#include "imaging/worker_main/codecs/tiff_jbig.h"
 #include "imaging/worker_main/codecs/tiff_pixels.h"
 #include <algorithm>
 #include <cstring>
@@ -133,6 +134,7 @@ bool DecodeTiff(ByteSource& source, const PictureWish& wish, PictureSink& sink)
                                      "does not decode.")
                           .arg(TiffFacts(file, tags).compression));
     }
+    CheckTiffJbig(file, tags);
     if (tags.compression == COMPRESSION_JPEG && tags.photometric == PHOTOMETRIC_YCBCR) {
         TIFFSetField(file.Handle(), TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
     }

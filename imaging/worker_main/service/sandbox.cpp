@@ -117,6 +117,13 @@ constexpr const char* kDeadly[] = {"execve",
                                    "bpf",
                                    "mount"};
 
+/// A condition on one argument of a system call.
+constexpr scmp_arg_cmp OnlyWhere(unsigned argument, scmp_compare comparison, scmp_datum_t first,
+                                 scmp_datum_t second = 0)
+{
+    return {argument, comparison, first, second};
+}
+
 bool AddRule(scmp_filter_ctx filter, std::uint32_t action, const char* name)
 {
     const int number = ::seccomp_syscall_resolve_name(name);
@@ -142,13 +149,13 @@ bool AddRules(scmp_filter_ctx filter)
     for (const int call : {SCMP_SYS(mmap), SCMP_SYS(mprotect)}) {
         done = done
             && ::seccomp_rule_add(filter, SCMP_ACT_ALLOW, call, 1,
-                                  SCMP_A2(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0))
+                                  OnlyWhere(2, SCMP_CMP_MASKED_EQ, PROT_EXEC, 0))
                 == 0;
     }
     // The state of an open descriptor, messages of a dying library, and its own end.
     done = done
         && ::seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(newfstatat), 1,
-                              SCMP_A3(SCMP_CMP_EQ, AT_EMPTY_PATH))
+                              OnlyWhere(3, SCMP_CMP_EQ, AT_EMPTY_PATH))
             == 0;
     for (const int call : {SCMP_SYS(write), SCMP_SYS(writev)}) {
         if (kSanitized && call == SCMP_SYS(write)) {
@@ -156,13 +163,13 @@ bool AddRules(scmp_filter_ctx filter)
         }
         done = done
             && ::seccomp_rule_add(filter, SCMP_ACT_ALLOW, call, 1,
-                                  SCMP_A0(SCMP_CMP_EQ, STDERR_FILENO))
+                                  OnlyWhere(0, SCMP_CMP_EQ, STDERR_FILENO))
                 == 0;
     }
     const auto self = scmp_datum_t(::getpid());
     return done
         && ::seccomp_rule_add(filter, SCMP_ACT_ALLOW, SCMP_SYS(tgkill), 1,
-                              SCMP_A0(SCMP_CMP_EQ, self))
+                              OnlyWhere(0, SCMP_CMP_EQ, self))
         == 0;
 }
 
