@@ -28,3 +28,8 @@ if(QUILLANE_SANITIZE)
   target_compile_options(quillane_options INTERFACE
     $<$<CXX_COMPILER_ID:GNU>:-Wno-error=maybe-uninitialized>)
 endif()
+# A fuzzer sees how far its inputs get only in code that is built for it.
+option(QUILLANE_FUZZ "Build the fuzzers (Clang)" OFF)
+if(QUILLANE_FUZZ)
+  target_compile_options(quillane_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()

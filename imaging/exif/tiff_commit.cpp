@@ -408,8 +408,22 @@ private:
     QByteArray mOut;
 };
 
+bool TiffEditor::IsUntouched() const
+{
+    return mContents.empty() && mFreed.empty()
+        && std::all_of(std::begin(mParts), std::end(mParts), [](const PartState& part) {
+               return !part.grown && part.present == (part.was.at != 0)
+                   && part.fields.size() == part.was.fields.size()
+                   && std::none_of(part.fields.begin(), part.fields.end(),
+                                   [](const Edited& edited) { return edited.changed; });
+           });
+}
+
 QByteArray TiffEditor::Commit(bool reclaimZeros) const
 {
+    if (IsUntouched()) {
+        return mBytes; // however badly it is built
+    }
     if (!reclaimZeros) {
         Layout inPlace(*this, Layout::Reach::Nothing);
         QByteArray patched = inPlace.Run();

@@ -69,6 +69,7 @@ private:
     };
     class Layout;
 
+    bool IsUntouched() const;
     void Load(Part part, qint64 at);
     qint64 PointerTo(quint16 tag) const;
     Edited& FieldFor(Part part, quint16 tag);
