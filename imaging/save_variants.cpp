@@ -73,6 +73,7 @@ constexpr SaveVariant kSaveVariants[] = {
     {153, "RAW",       ".raw", Any,   {1, 8, 16, 24, 32, 48, 64},         false, false, kBare, kGreyIn8 | kInkKept},
     {163, "JPEG 2000", ".jp2", Any,   {8, 16, 24, 32, 48, 64},            true,  false, kBare, kGreyIn8 | kInkKept | kHoldsProfile},
     {164, "JPEG 2000", ".j2k", Any,   {8, 16, 24, 32, 48, 64},            true,  false, kBare, kGreyIn8},
+    {166, "TIFF",      ".tif", Any,   {8, 16, 24, 32, 48, 64},            true,  true,  Tiff,  kGreyIn8 | kHoldsProfile},
 };
 // clang-format on
 

@@ -82,11 +82,11 @@ TEST_F(TiffFacts, FormatCodesFollowCompressionColourAndExif)
 TEST_F(TiffFacts, CompressionsThatAreNotDecodedAreRefusedByName)
 {
     TiffMaker maker;
-    maker.Picture(4, 4, {8, 8, 8}, kRgb, 4).Compression(34712).Chunk(QByteArray(48, '\0'));
-    const QString path = Write(QStringLiteral("j2k.tif"), maker.File());
+    maker.Picture(4, 4, {8, 8, 8}, kRgb, 4).Compression(50002).Chunk(QByteArray(48, '\0'));
+    const QString path = Write(QStringLiteral("jxl.tif"), maker.File());
     const Failure failure = FailureOf([&] { Decode(path, "TIFF"); });
     EXPECT_EQ(failure.Number(), kFailureUnreadable);
-    EXPECT_TRUE(failure.Description().contains(QStringLiteral("JPEG 2000")));
+    EXPECT_TRUE(failure.Description().contains(QStringLiteral("TIFF compression 50002")));
 }
 
 TEST_F(TiffFacts, ResolutionIsInDotsPerInch)

@@ -1,22 +1,16 @@
 #include "core/failure.h"
-#include "imaging/quality.h"
+#include "imaging/worker_main/codecs/jpeg2000_codestream.h"
 #include "imaging/worker_main/codecs/jpeg2000_header.h"
-#include "imaging/worker_main/codecs/jpeg2000_stream.h"
 #include "imaging/worker_main/codecs/shipped_codecs.h"
 #include "imaging/worker_main/service/sample_rows.h"
 #include <QtEndian>
 #include <algorithm>
-#include <bit>
-#include <cstring>
 
 namespace quillane::worker {
 
 namespace {
 
 constexpr qint16 kJpeg2000File = 163, kJpeg2000Stream = 164;
-constexpr qint64 kOneTilePixels = 4 << 20; ///< larger pictures are cut into tiles
-constexpr int kTileSide = 1024, kLeastTileSide = 128;
-constexpr qint64 kTileRowBytes = 48 << 20; ///< samples of one row of tiles
 
 /// What the samples of a JPEG 2000 picture are.
 struct Jpeg2000Variant {
@@ -197,140 +191,6 @@ void CarryBoxes(ByteSource& original, FileSink& file)
     }
 }
 
-class Jpeg2000Encoder {
-public:
-    Jpeg2000Encoder(PictureRows& picture, const Jpeg2000Variant& variant, qint32 quality,
-                    FileSink& file)
-        : mShape(picture.Shape()),
-          mVariant(variant),
-          mRows(picture, variant.kind),
-          mStream(file)
-    {
-        ChooseTiles();
-        Begin(quality);
-    }
-    void Run()
-    {
-        OPJ_UINT32 index = 0;
-        for (int top = 0; top < mShape.height; top += mTileHeight) {
-            const int rows = std::min(mTileHeight, mShape.height - top);
-            ReadRows(rows);
-            for (int left = 0; left < mShape.width; left += mTileWidth) {
-                WriteTile(index++, left, rows);
-            }
-        }
-        Expect(opj_end_compress(mCodec.get(), mStream.Handle()));
-    }
-
-private:
-    qint64 SampleBytes() const { return mVariant.bits / 8; }
-    void ChooseTiles()
-    {
-        mTileWidth = mShape.width;
-        mTileHeight = mShape.height;
-        if (qint64(mShape.width) * mShape.height > kOneTilePixels) {
-            mTileWidth = std::min(mShape.width, kTileSide);
-            mTileHeight = std::min(mShape.height, kTileSide);
-            while (mTileHeight > kLeastTileSide && mRows.RowBytes() * mTileHeight > kTileRowBytes) {
-                mTileHeight /= 2;
-            }
-        }
-        mBand.resize(size_t(mRows.RowBytes()) * size_t(mTileHeight));
-    }
-    void Expect(OPJ_BOOL done) const
-    {
-        mStream.Rethrow();
-        if (!done) {
-            throw Failure(kFailureLimit,
-                          QStringLiteral("This picture cannot be written as JPEG 2000: there is "
-                                         "not enough memory."));
-        }
-    }
-    void Begin(qint32 quality)
-    {
-        opj_cparameters_t parameters;
-        opj_set_default_encoder_parameters(&parameters);
-        parameters.tcp_numlayers = 1;
-        const double percent = QualityPercent(quality);
-        if (quality <= kBestQuality) {
-            parameters.cp_disto_alloc = 1;
-            parameters.tcp_rates[0] = 0;
-        } else {
-            // Decibels against the samples' range, as people judge pictures: 24 to 52.
-            parameters.cp_fixed_quality = 1;
-            parameters.tcp_distoratio[0] = float(24 + 0.28 * percent);
-            parameters.irreversible = 1;
-        }
-        const bool colours = mVariant.samples >= 3 && mVariant.kind != SampleKind::Cmyk8;
-        parameters.tcp_mct = colours ? 1 : 0;
-        const int side = std::min(mTileWidth, mTileHeight);
-        constexpr int kMostResolutions = 6;
-        parameters.numresolution =
-            std::clamp(int(std::bit_width(unsigned(side))), 1, kMostResolutions);
-        parameters.tile_size_on = OPJ_TRUE;
-        parameters.cp_tdx = mTileWidth;
-        parameters.cp_tdy = mTileHeight;
-
-        std::vector<opj_image_cmptparm_t> components(size_t(mVariant.samples));
-        for (opj_image_cmptparm_t& one : components) {
-            one = {};
-            one.dx = one.dy = 1;
-            one.w = OPJ_UINT32(mShape.width);
-            one.h = OPJ_UINT32(mShape.height);
-            one.prec = OPJ_UINT32(mVariant.bits);
-        }
-        mImage.reset(
-            opj_image_tile_create(OPJ_UINT32(mVariant.samples), components.data(),
-                                  mVariant.samples == 1 ? OPJ_CLRSPC_GRAY : OPJ_CLRSPC_SRGB));
-        mCodec.reset(opj_create_compress(OPJ_CODEC_J2K));
-        Expect(mImage && mCodec);
-        mImage->x1 = OPJ_UINT32(mShape.width);
-        mImage->y1 = OPJ_UINT32(mShape.height);
-        CountJpeg2000Complaints(mCodec.get(), mComplaints);
-        Expect(opj_setup_encoder(mCodec.get(), &parameters, mImage.get()));
-        Expect(opj_start_compress(mCodec.get(), mImage.get(), mStream.Handle()));
-    }
-    void ReadRows(int rows)
-    {
-        for (int y = 0; y < rows; ++y) {
-            std::memcpy(mBand.data() + y * mRows.RowBytes(), mRows.Next(),
-                        size_t(mRows.RowBytes()));
-        }
-    }
-    /// Component after component, as the library takes them.
-    void WriteTile(OPJ_UINT32 index, int left, int rows)
-    {
-        const int columns = std::min(mTileWidth, mShape.width - left);
-        const qint64 bytes = SampleBytes();
-        const qint64 pixel = bytes * mVariant.samples;
-        mTile.resize(size_t(pixel) * size_t(columns) * size_t(rows));
-        uchar* to = mTile.data();
-        for (int s = 0; s < mVariant.samples; ++s) {
-            for (int y = 0; y < rows; ++y) {
-                const uchar* from = mBand.data() + y * mRows.RowBytes() + left * pixel + s * bytes;
-                for (int x = 0; x < columns; ++x, from += pixel, to += bytes) {
-                    to[0] = from[0];
-                    if (bytes == 2) {
-                        to[1] = from[1];
-                    }
-                }
-            }
-        }
-        Expect(opj_write_tile(mCodec.get(), index, mTile.data(), OPJ_UINT32(mTile.size()),
-                              mStream.Handle()));
-    }
-
-    const PictureShape& mShape;
-    Jpeg2000Variant mVariant;
-    SampleRows mRows;
-    Jpeg2000Stream mStream;
-    Jpeg2000Image mImage;
-    Jpeg2000Codec mCodec;
-    int mComplaints = 0; ///< what failed is told by the calls themselves
-    int mTileWidth = 0, mTileHeight = 0;
-    std::vector<uchar> mBand, mTile;
-};
-
 } // namespace
 
 void EncodeJpeg2000(PictureRows& picture, const EncodeWish& wish, FileSink& file)
@@ -353,7 +213,7 @@ void EncodeJpeg2000(PictureRows& picture, const EncodeWish& wish, FileSink& file
         const uchar open[8] = {0, 0, 0, 0, 'j', 'p', '2', 'c'};
         file.Append(open, sizeof(open));
     }
-    Jpeg2000Encoder(picture, variant, wish.quality, file).Run();
+    WriteJpeg2000Codestream(picture, variant.kind, wish.quality, file);
     if (boxed) {
         uchar length[4];
         qToBigEndian(quint32(file.Size() - box), length);

@@ -104,4 +104,41 @@ void CountJpeg2000Complaints(opj_codec_t* codec, int& complaints)
     opj_set_error_handler(codec, CountJpeg2000Message, &complaints);
 }
 
+Jpeg2000Band::Jpeg2000Band(ByteSource& source, const Jpeg2000Header& header, int reduction,
+                           quint32 top, quint32 bottom)
+    : stream(source),
+      codec(opj_create_decompress(header.boxed ? OPJ_CODEC_JP2 : OPJ_CODEC_J2K))
+{
+    if (!codec) {
+        throw std::bad_alloc();
+    }
+    CountJpeg2000Complaints(codec.get(), complaints);
+    opj_dparameters_t parameters;
+    opj_set_default_decoder_parameters(&parameters);
+    parameters.cp_reduce = OPJ_UINT32(reduction);
+    opj_image_t* made = nullptr;
+    const bool read = opj_setup_decoder(codec.get(), &parameters)
+        && opj_decoder_set_strict_mode(codec.get(), OPJ_FALSE)
+        && opj_read_header(stream.Handle(), codec.get(), &made);
+    image.reset(made);
+    if (!read || !image || image->numcomps < 1) {
+        ThrowJpeg2000Damaged();
+    }
+    const auto place = [](quint32 value) { return OPJ_INT32(value); };
+    if (!opj_set_decode_area(codec.get(), image.get(), place(header.x0), place(top),
+                             place(header.x0 + header.width), place(bottom))) {
+        ThrowJpeg2000Damaged();
+    }
+    // Read leniently, a stream that breaks off is only complained of.
+    complaints = 0;
+    whole = opj_decode(codec.get(), stream.Handle(), image.get())
+        && opj_end_decompress(codec.get(), stream.Handle()) && complaints == 0;
+    for (quint32 i = 0; i < image->numcomps; ++i) {
+        const opj_image_comp_t& one = image->comps[i];
+        if (!one.data || one.w < 1 || one.h < 1 || one.prec < 1 || one.prec > 31) {
+            ThrowJpeg2000Damaged();
+        }
+    }
+}
+
 } // namespace quillane::worker

@@ -1,4 +1,5 @@
 #pragma once
+#include "imaging/worker_main/codecs/jpeg2000_header.h"
 #include "imaging/worker_main/service/worker_codec.h"
 #include <exception>
 #include <memory>
@@ -49,5 +50,19 @@ private:
 
 /// Lets a codec's messages go nowhere but into a count of complaints.
 void CountJpeg2000Complaints(opj_codec_t* codec, int& complaints);
+
+/// One run of the library: what lies between two rows of the reference grid.
+struct Jpeg2000Band {
+    Jpeg2000Stream stream;
+    Jpeg2000Codec codec;
+    Jpeg2000Image image;
+    int complaints = 0;
+    bool whole = false; ///< nothing was missing
+
+    /// Decodes the rows from `top` to before `bottom` of the reference grid, each side halved
+    /// `reduction` times. Failure when nothing can be decoded.
+    Jpeg2000Band(ByteSource& source, const Jpeg2000Header& header, int reduction, quint32 top,
+                 quint32 bottom);
+};
 
 } // namespace quillane::worker

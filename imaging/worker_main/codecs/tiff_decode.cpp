@@ -128,7 +128,10 @@ bool DecodeTiff(ByteSource& source, const PictureWish& wish, PictureSink& sink)
     TiffFile file(source);
     file.GoToPage(wish.page);
     const TiffTags tags = ReadTiffTags(file);
-    if (!TIFFIsCODECConfigured(tags.compression)) {
+    const bool known = tags.compression == COMPRESSION_JP2000
+        ? (tags.bits == 8 || tags.bits == 16) && tags.photometric != PHOTOMETRIC_YCBCR
+        : TIFFIsCODECConfigured(tags.compression) != 0;
+    if (!known) {
         throw Failure(kFailureUnreadable,
                       QStringLiteral("This TIFF file is compressed with %1, which this program "
                                      "does not decode.")

@@ -1,11 +1,14 @@
 #include "core/failure.h"
+#include "imaging/limits.h"
 #include "imaging/quality.h"
+#include "imaging/worker_main/codecs/jpeg2000_codestream.h"
 #include "imaging/worker_main/codecs/shipped_codecs.h"
 #include "imaging/worker_main/codecs/tiff_output.h"
 #include "imaging/worker_main/codecs/tiff_variant.h"
 #include "imaging/worker_main/codecs/tiff_ycbcr.h"
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <tiffio.h>
 
 namespace quillane::worker {
@@ -29,7 +32,8 @@ std::uint32_t RowsPerStrip(const PictureShape& shape, const TiffVariant& variant
     case COMPRESSION_CCITTRLE:
     case COMPRESSION_CCITTRLEW:
     case COMPRESSION_JBIG:
-        return height; // what readers of faxes expect
+    case COMPRESSION_JP2000:
+        return height; // what readers expect
     default:
         break;
     }
@@ -195,6 +199,35 @@ void WriteTiffRows(TiffOutput& output, PictureRows& picture, const TiffVariant& 
     }
 }
 
+/// Takes a file in memory.
+class BytesSink : public FileSink {
+public:
+    void WriteAt(qint64 position, const void* bytes, qint64 count) override
+    {
+        if (position < 0 || count < 0 || position > Size()
+            || position + count > limits::kMaxEncodedBytes) {
+            throw Failure(kFailureLimit, QStringLiteral("The file of this picture is too large."));
+        }
+        mBytes.resize(std::max(Size(), position + count));
+        std::memcpy(mBytes.data() + position, bytes, size_t(count));
+    }
+    qint64 Size() const override { return mBytes.size(); }
+    QByteArray& Bytes() { return mBytes; }
+
+private:
+    QByteArray mBytes;
+};
+
+/// libtiff has no codec for it: the strip is made here and handed over as it is.
+void WriteTiffJpeg2000(TiffOutput& output, PictureRows& picture, SampleKind kind, qint32 quality)
+{
+    BytesSink strip;
+    WriteJpeg2000Codestream(picture, kind, quality, strip);
+    output.Expect(
+        TIFFWriteRawStrip(output.Handle(), 0, strip.Bytes().data(), tmsize_t(strip.Size()))
+        == tmsize_t(strip.Size()));
+}
+
 } // namespace
 
 void EncodeTiff(PictureRows& picture, const EncodeWish& wish, FileSink& file)
@@ -209,6 +242,8 @@ void EncodeTiff(PictureRows& picture, const EncodeWish& wish, FileSink& file)
     if (variant.photometric == PHOTOMETRIC_YCBCR && variant.compression != COMPRESSION_JPEG) {
         WriteYcbcrStrips(output, picture, RowsPerStrip(shape, variant), variant.subsamplingX,
                          variant.subsamplingY);
+    } else if (variant.compression == COMPRESSION_JP2000) {
+        WriteTiffJpeg2000(output, picture, variant.kind, wish.quality);
     } else {
         WriteTiffRows(output, picture, variant);
     }

@@ -1,18 +1,42 @@
 #include "imaging/worker_main/codecs/tiff_rows.h"
 #include "core/failure.h"
 #include "imaging/limits.h"
+#include "imaging/worker_main/codecs/jpeg2000_codestream.h"
 #include <algorithm>
 #include <cstring>
 #include <tiffio.h>
 
 namespace quillane::worker {
 
+namespace {
+
+/// Reads out of bytes that are there already.
+class BytesSource : public ByteSource {
+public:
+    explicit BytesSource(QByteArrayView bytes) : mBytes(bytes) { }
+    qint64 Size() const override { return mBytes.size(); }
+    qint64 ReadAt(qint64 position, void* to, qint64 count) override
+    {
+        const qint64 got = position < 0 ? 0 : std::clamp<qint64>(Size() - position, 0, count);
+        if (got > 0) {
+            std::memcpy(to, mBytes.data() + position, size_t(got));
+        }
+        return got;
+    }
+
+private:
+    QByteArrayView mBytes;
+};
+
+} // namespace
+
 TiffRows::TiffRows(TiffFile& file, const TiffTags& tags)
     : mFile(file),
       mTags(tags),
       mPlanes(tags.separate ? tags.samples : 1),
-      // libtiff decodes a JBIG strip only as a whole.
-      mBanded(tags.tiled || tags.separate || tags.compression == COMPRESSION_JBIG)
+      // libtiff decodes a JBIG strip only as a whole, and JPEG 2000 not at all.
+      mBanded(tags.tiled || tags.separate || tags.compression == COMPRESSION_JBIG
+              || tags.compression == COMPRESSION_JP2000)
 {
     TIFF* tiff = file.Handle();
     const qint64 inRow = qint64(tags.width) * tags.bits * (tags.separate ? 1 : tags.samples);
@@ -86,7 +110,10 @@ bool TiffRows::LoadStrips(std::uint32_t first)
         char* to = mBand.data() + qint64(plane) * mTags.bandRows * mRowBytes;
         const std::uint32_t strip = TIFFComputeStrip(mFile.Handle(), first, std::uint16_t(plane));
         const tmsize_t wanted = tmsize_t(rows) * mRowBytes;
-        if (TIFFReadEncodedStrip(mFile.Handle(), strip, to, wanted) == wanted) {
+        const bool read = mTags.compression == COMPRESSION_JP2000
+            ? DecodeJpeg2000(strip, mTags.width, rows, to)
+            : TIFFReadEncodedStrip(mFile.Handle(), strip, to, wanted) == wanted;
+        if (read) {
             any = true;
         } else {
             std::memset(to, 0, size_t(wanted));
@@ -96,11 +123,39 @@ bool TiffRows::LoadStrips(std::uint32_t first)
     return any;
 }
 
+bool TiffRows::DecodeJpeg2000(std::uint32_t index, std::uint32_t width, std::uint32_t rows,
+                              char* to)
+{
+    const std::uint64_t bytes = TIFFGetStrileByteCount(mFile.Handle(), index);
+    const int samples = mTags.separate ? 1 : mTags.samples;
+    if (bytes == 0 || bytes > std::uint64_t(mFile.Source().Size())
+        || bytes > std::uint64_t(limits::kMaxPictureBytes)) {
+        return false;
+    }
+    mRaw.resize(qsizetype(bytes));
+    const tmsize_t got = mTags.tiled
+        ? TIFFReadRawTile(mFile.Handle(), index, mRaw.data(), tmsize_t(bytes))
+        : TIFFReadRawStrip(mFile.Handle(), index, mRaw.data(), tmsize_t(bytes));
+    if (got <= 0) {
+        return false;
+    }
+    BytesSource source(QByteArrayView(mRaw.constData(), got));
+    try {
+        const bool whole = ReadJpeg2000Samples(source, qint32(width), qint32(rows), samples,
+                                               mTags.bits, reinterpret_cast<uchar*>(to));
+        mMissing = mMissing || !whole;
+    } catch (const Failure&) {
+        return false;
+    }
+    return true;
+}
+
 bool TiffRows::LoadTiles(std::uint32_t first)
 {
     TIFF* tiff = mFile.Handle();
-    std::uint32_t tileWidth = 0;
+    std::uint32_t tileWidth = 0, tileHeight = 0;
     TIFFGetField(tiff, TIFFTAG_TILEWIDTH, &tileWidth);
+    TIFFGetField(tiff, TIFFTAG_TILELENGTH, &tileHeight);
     const qint64 tileRowBytes = TIFFTileRowSize(tiff);
     if (tileWidth == 0 || tileRowBytes <= 0
         || tileRowBytes * std::min(mTags.bandRows, mTags.height - first) > mTile.size()) {
@@ -112,9 +167,12 @@ bool TiffRows::LoadTiles(std::uint32_t first)
     for (int plane = 0; plane < mPlanes; ++plane) {
         char* band = mBand.data() + qint64(plane) * mTags.bandRows * mRowBytes;
         for (std::uint64_t x = 0; x < mTags.width; x += tileWidth) {
-            const bool read =
-                TIFFReadTile(tiff, mTile.data(), std::uint32_t(x), first, 0, std::uint16_t(plane))
-                >= 0;
+            const std::uint32_t tile =
+                TIFFComputeTile(tiff, std::uint32_t(x), first, 0, std::uint16_t(plane));
+            const bool read = mTags.compression == COMPRESSION_JP2000
+                ? DecodeJpeg2000(tile, tileWidth, tileHeight, mTile.data())
+                : TIFFReadTile(tiff, mTile.data(), std::uint32_t(x), first, 0, std::uint16_t(plane))
+                    >= 0;
             any = any || read;
             mMissing = mMissing || !read;
             // Tiles are a multiple of 16 pixels wide by the format; others could begin within

@@ -27,6 +27,7 @@ private:
     bool NextOfBand();
     bool LoadStrips(std::uint32_t first);
     bool LoadTiles(std::uint32_t first);
+    bool DecodeJpeg2000(std::uint32_t index, std::uint32_t width, std::uint32_t rows, char* to);
 
     TiffFile& mFile;
     const TiffTags& mTags;
@@ -35,6 +36,7 @@ private:
     qint64 mRowBytes = 0;
     QByteArray mBand; ///< plane after plane, bandRows rows each
     QByteArray mTile;
+    QByteArray mRaw; ///< a strip or tile as it lies in the file
     std::uint32_t mRow = 0;         ///< the next one
     std::uint32_t mBrokenUntil = 0; ///< rows of a strip that broke off
     bool mBandGood = false;

@@ -7,7 +7,7 @@ namespace quillane::worker {
 
 namespace {
 
-enum class TiffColour : quint8 { Any, Cmyk, Ycbcr, Fax, Jpeg };
+enum class TiffColour : quint8 { Any, Cmyk, Ycbcr, Fax, Jpeg, Jpeg2000 };
 
 struct TiffCodeRow {
     qint16 format;
@@ -36,6 +36,7 @@ constexpr TiffCodeRow kTiffCodeRows[] = {
     {96, COMPRESSION_NONE, TiffColour::Any, 0, 1, 1},
     {97, COMPRESSION_NONE, TiffColour::Ycbcr, 0, 2, 1},
     {139, COMPRESSION_JBIG, TiffColour::Fax, 0, 1, 1},
+    {166, COMPRESSION_JP2000, TiffColour::Jpeg2000, 0, 1, 1},
 };
 constexpr qint16 kTiffNearest = 3; ///< of compressions without a code of their own
 constexpr qint16 kTiffFaxWords = 25;
@@ -272,6 +273,12 @@ TiffVariant ChooseTiffVariant(const PictureShape& shape, const EncodeWish& wish)
             variant.bits = 1;
             variant.photometric = PHOTOMETRIC_MINISWHITE;
             variant.kind = SampleKind::Bilevel;
+            break;
+        case TiffColour::Jpeg2000:
+            if (bits < 8 || (bits == 8 && shape.layout == PixelLayout::Indexed8)) {
+                RefuseDepth(*row, bits);
+            }
+            ChooseTiffDepth(*row, shape, bits, variant);
             break;
         case TiffColour::Jpeg:
             ChooseJpeg(*row, shape, wish, bits, variant);
