@@ -109,6 +109,8 @@ QImage ReadByOthers(const QString& path, const SaveVariant& variant, qint32 bits
     case 163:
     case 164:
         return test::ReadByFfmpeg(path);
+    case 166:
+        return test::ReadTiffJpeg2000(path);
     case 15:
         return test::ReadMetafileBitmap(path);
     case 66:

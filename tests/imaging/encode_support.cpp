@@ -1,4 +1,5 @@
 #include "encode_support.h"
+#include "imaging/exif/tiff_claims.h"
 #include <QtEndian>
 #include <algorithm>
 #include <cmath>
@@ -215,6 +216,24 @@ QImage ReadByFfmpeg(const QString& path)
         QStringLiteral("ffmpeg"),
         {"-v", "error", "-i", path, "-frames:v", "1", "-f", "image2pipe", "-c:v", "ppm", "-"});
     return ppm ? QImage::fromData(*ppm, "PPM").convertToFormat(QImage::Format_RGB32) : QImage();
+}
+
+QImage ReadTiffJpeg2000(const QString& path)
+{
+    const QByteArray file = ReadWholeFile(path, 1 << 26);
+    const std::optional<exif::TiffStructure> structure = exif::TiffStructure::Open(file);
+    if (!structure) {
+        return {};
+    }
+    std::vector<exif::ByteRange> strips;
+    exif::TiffClaims(*structure)
+        .AddContents(structure->ReadDirectory(structure->FirstDirectory()), strips);
+    if (strips.size() != 1) {
+        return {};
+    }
+    const QString stream = path + ".j2k";
+    WriteWholeFile(stream, file.mid(strips[0].from, strips[0].Size()));
+    return ReadByFfmpeg(stream);
 }
 
 QImage ReadFax(const QString& path, qint16 format, QSize size)

@@ -23,6 +23,8 @@ double Psnr(const Bitmap& one, const Bitmap& other);
 QImage ReadByGraphicsMagick(const QString& path);
 /// What FFmpeg reads of a file, as 8-bit RGB; null when it does not.
 QImage ReadByFfmpeg(const QString& path);
+/// What FFmpeg reads of the one codestream that is the strip of a TIFF; null when it does not.
+QImage ReadTiffJpeg2000(const QString& path);
 /// What libtiff reads of a raw fax of that format code; null when it does not.
 QImage ReadFax(const QString& path, qint16 format, QSize size);
 /// The first picture that poppler finds in a PDF.

@@ -114,7 +114,9 @@ protected:
     static void ExpectTiffinfoAgrees(const QString& path, const VariantRow& row, int bits)
     {
         const std::optional<QByteArray> told =
-            RunTool(QStringLiteral("tiffinfo"), {QStringLiteral("-D"), path});
+            RunTool(QStringLiteral("tiffinfo"),
+                    row.format == 166 ? QStringList{path} // which it does not decode
+                                      : QStringList{QStringLiteral("-D"), path});
         ASSERT_TRUE(told.has_value());
         EXPECT_TRUE(told->contains(QByteArray("Compression Scheme: ") + row.compression))
             << told->constData();

@@ -14,6 +14,7 @@ namespace {
 constexpr qint64 kOneTilePixels = 4 << 20; ///< larger pictures are cut into tiles
 constexpr int kTileSide = 1024, kLeastTileSide = 128;
 constexpr qint64 kTileRowBytes = 48 << 20; ///< samples of one row of tiles
+constexpr qint64 kBandSamples = 12 << 20;  ///< that are decoded at once
 
 class Jpeg2000Encoder {
 public:
@@ -90,7 +91,8 @@ private:
         parameters.cp_tdx = mTileWidth;
         parameters.cp_tdy = mTileHeight;
 
-        std::vector<opj_image_cmptparm_t> components(size_t(mSamples));
+        const auto samples = size_t(mSamples);
+        std::vector<opj_image_cmptparm_t> components(samples);
         for (opj_image_cmptparm_t& one : components) {
             one = {};
             one.dx = one.dy = 1;
@@ -150,6 +152,45 @@ private:
     std::vector<uchar> mBand, mTile;
 };
 
+/// Rows that are decoded at once: all of a small picture, else whole tiles.
+quint32 CodestreamBandRows(const Jpeg2000Header& header)
+{
+    const qint64 inRow = qint64(header.width) * header.components;
+    const qint64 most = std::max<qint64>(1, kBandSamples / std::max<qint64>(1, inRow));
+    if (!header.tiled || header.tileHeight == 0 || most >= header.height) {
+        return header.height;
+    }
+    const qint64 tile = header.tileHeight;
+    return quint32(
+        std::clamp<qint64>(most / tile * tile, tile, std::max(tile, qint64(header.height))));
+}
+
+/// Component after component into packed samples.
+void CopyCodestreamBand(const opj_image_t& image, quint32 width, quint32 rows, int samples,
+                        int bits, uchar* to)
+{
+    for (int s = 0; s < samples; ++s) {
+        if (int(image.numcomps) != samples || image.comps[s].w != width
+            || image.comps[s].h != rows) {
+            ThrowJpeg2000Damaged();
+        }
+        const opj_image_comp_t& one = image.comps[s];
+        const auto most = OPJ_INT32((qint64(1) << std::min(one.prec, 30u)) - 1);
+        const OPJ_INT32 zero = one.sgnd ? most / 2 + 1 : 0;
+        const qint64 count = qint64(width) * rows;
+        for (qint64 i = 0; i < count; ++i) {
+            const auto value = OPJ_INT32(std::clamp<qint64>(qint64(one.data[i]) + zero, 0, most));
+            const qint64 at = i * samples + s;
+            if (bits == 8) {
+                to[at] = uchar(std::min(value, 255));
+            } else {
+                const auto word = quint16(std::min(value, 65535));
+                std::memcpy(to + at * 2, &word, sizeof(word));
+            }
+        }
+    }
+}
+
 } // namespace
 
 void WriteJpeg2000Codestream(PictureRows& picture, SampleKind kind, qint32 quality, FileSink& file)
@@ -165,28 +206,20 @@ bool ReadJpeg2000Samples(ByteSource& source, qint32 width, qint32 height, int sa
         || header.components != samples || (bits != 8 && bits != 16)) {
         ThrowJpeg2000Damaged();
     }
-    const Jpeg2000Band band(source, header, 0, header.y0, header.y0 + header.height);
-    const opj_image_t& image = *band.image;
-    for (int s = 0; s < samples; ++s) {
-        const opj_image_comp_t& one = image.comps[s];
-        if (int(image.numcomps) != samples || one.w != header.width || one.h != header.height) {
-            ThrowJpeg2000Damaged();
-        }
-        const OPJ_INT32 most = OPJ_INT32((qint64(1) << std::min(one.prec, 30u)) - 1);
-        const OPJ_INT32 zero = one.sgnd ? most / 2 + 1 : 0;
-        const qint64 count = qint64(width) * height;
-        for (qint64 i = 0; i < count; ++i) {
-            const OPJ_INT32 value = std::clamp(one.data[i] + zero, 0, most);
-            const qint64 at = i * samples + s;
-            if (bits == 8) {
-                to[at] = uchar(std::min(value, 255));
-            } else {
-                const auto word = quint16(std::min(value, 65535));
-                std::memcpy(to + at * 2, &word, sizeof(word));
-            }
-        }
+    const quint32 step = CodestreamBandRows(header);
+    const quint32 end = header.y0 + header.height;
+    const quint32 from = header.tiled && step < header.height ? header.tileTop : header.y0;
+    bool whole = true;
+    for (quint32 top = header.y0; top < end;) {
+        const auto bottom =
+            quint32(std::min<quint64>(end, quint64(top - from) / step * step + step + from));
+        const Jpeg2000Band band(source, header, 0, top, bottom);
+        CopyCodestreamBand(*band.image, header.width, bottom - top, samples, bits,
+                           to + qint64(top - header.y0) * width * samples * (bits / 8));
+        whole = whole && band.whole;
+        top = bottom;
     }
-    return band.whole;
+    return whole;
 }
 
 } // namespace quillane::worker
