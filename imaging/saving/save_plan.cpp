@@ -45,7 +45,8 @@ SavePlan PlanSave(const SaveJob& job)
         const ImageFacts& facts = loaded->facts;
         plan.pixelsStay = plan.sameCodec && plan.pixelsUntouched && !job.stamp
             && plan.variant->carrier != CommentCarrier::Jpeg && facts.format == job.request.format
-            && facts.orientation <= 1 && (job.request.bits == 0 || job.request.bits == facts.bits);
+            && facts.orientation <= 1 && loaded->IsUnchanged()
+            && (job.request.bits == 0 || job.request.bits == facts.bits);
     }
     return plan;
 }
@@ -53,14 +54,6 @@ SavePlan PlanSave(const SaveJob& job)
 void RefuseLosses(const SaveJob& job, const SavePlan& plan)
 {
     const QString leaf = SaveLeaf(job.path);
-    const bool appends = job.mode != kSaveReplace && job.mode != kSaveCreate;
-    if (appends && StatPath(job.path).type != FileType::Missing) {
-        throw Failure(
-            kFailureGeneral,
-            QStringLiteral("\"%1\" is there already, and no page can be added to it. Save "
-                           "under another name.")
-                .arg(leaf));
-    }
     if (!plan.inPlace && !plan.replaced) {
         return;
     }

@@ -3,6 +3,7 @@
 #include "core/failure.h"
 #include "imaging/comments/slots.h"
 #include "imaging/reader.h"
+#include "imaging/saving/save_append.h"
 #include "imaging/saving/save_content.h"
 #include <QSize>
 #include <algorithm>
@@ -69,13 +70,19 @@ std::shared_ptr<const LoadedFile> Reloaded(const SaveJob& job, const SavePlan& p
 std::shared_ptr<const LoadedFile> SavePicture(const SaveJob& job)
 {
     const SavePlan plan = PlanSave(job);
+    if (AppendsToAFile(job)) {
+        return AppendPicture(job, plan);
+    }
     RefuseLosses(job, plan);
     const QByteArray content = SaveContent(job, plan);
     SaveOptions options;
     options.mode = job.mode == kSaveCreate ? SaveMode::CreateOnly : SaveMode::Replace;
     if (plan.inPlace) {
         options.expected = job.loaded->source->Stat();
+    } else if (job.mode != kSaveReplace && job.mode != kSaveCreate) {
+        options.expected = FileStat(); // what came meanwhile is not replaced by a page
     }
+    options.probe = job.probe;
     options.verify = [&](const QString& draft) { ReadBack(draft, job, plan); };
     SaveAtomically(job.path, content, options);
     return plan.inPlace ? Reloaded(job, plan) : job.loaded;

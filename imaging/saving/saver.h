@@ -1,6 +1,7 @@
 #pragma once
 // One save from picture to file: the pixels encoded or carried over, the metadata put in, the
 // result read back, and the file exchanged at once.
+#include "core/atomic_save.h"
 #include "imaging/comments/comment_set.h"
 #include "imaging/encode.h"
 #include "imaging/saving/loaded_file.h"
@@ -9,8 +10,8 @@
 
 namespace quillane {
 
-/// Save modes as the windows pass them; any other number appends too. Appending makes a file; one
-/// that is there already takes no page and is left alone.
+/// Save modes as the windows pass them; any other number appends too. Appending makes a file where
+/// there is none; a TIFF file that is there gets a further page, any other is left alone.
 enum PictureSaveMode : qint32 { kSaveReplace = 0, kSaveAppend = 1, kSaveCreate = 2 };
 
 /// A small picture that goes into the file.
@@ -27,6 +28,7 @@ struct SaveJob {
     CommentSet comments;                      ///< what the slots of the file are to hold
     std::shared_ptr<const LoadedFile> loaded; ///< nullptr: the picture came from no file
     std::optional<StampWish> stamp;
+    SaveProbe probe; ///< see SaveOptions
 };
 
 /// Writes the file and returns what the picture's next save shall remember: after a save over the

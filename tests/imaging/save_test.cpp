@@ -181,23 +181,6 @@ TEST_F(SaveTest, ModeTwoCreatesOnly)
     EXPECT_EQ(ProbeFile(other).width, lead.InfoWidth());
 }
 
-TEST_F(SaveTest, AppendingMakesAFileAndNeverReplacesOne)
-{
-    const QString file = Copy(QStringLiteral("three_pages.tif"));
-    const QString other = mFolder.filePath(QStringLiteral("new.tif"));
-    EngineInstance lead;
-    lead.Load(file, 0, 0);
-    const QByteArray before = Bytes(file);
-    QString words;
-    for (const qint32 mode : {qint32(kSaveAppend), -1}) {
-        EXPECT_EQ(FailureOf(lead, file, lead.InfoFormat(), words, mode), kFailureGeneral);
-        EXPECT_TRUE(words.contains(QStringLiteral("three_pages.tif"))) << words.toStdString();
-        EXPECT_EQ(Bytes(file), before);
-    }
-    EXPECT_EQ(FailureOf(lead, other, lead.InfoFormat(), words, kSaveAppend), 0);
-    EXPECT_EQ(ProbeFile(other).width, lead.InfoWidth());
-}
-
 TEST_F(SaveTest, AFileOfSeveralIconsIsNotSavedOverWithOne)
 {
     // The one picture of the sample a second time: directory entries of 16 bytes behind a head of
