@@ -29,4 +29,7 @@ if(QUILLANE_TESTS)
   file(GLOB bad_worker_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/imaging/bad_worker/*.cpp)
   add_executable(quillane-bad-codec ${bad_worker_sources})
   quillane_worker_program(quillane-bad-codec)
+  # One that was taken over and tries to get out.
+  add_executable(quillane-escaping-codec ${CMAKE_SOURCE_DIR}/tests/imaging/escaping_worker/main.cpp)
+  quillane_worker_program(quillane-escaping-codec)
 endif()
