@@ -81,6 +81,9 @@ bool AppendsToAFile(const SaveJob& job)
 std::shared_ptr<const LoadedFile> AppendPicture(const SaveJob& job, const SavePlan& plan)
 {
     FileSource target = OpenedForAppending(job, plan);
+    if (plan.inPlace && !job.loaded->IsUnchanged()) {
+        RefuseChangedFile(job);
+    }
     ProbeSource(target, job.path); // damage at its beginning is told before the work
     const QByteArray page = AppendedPage(job, plan);
     const TiffWithPage made =

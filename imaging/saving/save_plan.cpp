@@ -28,6 +28,14 @@ QString SaveLeaf(const QString& path)
     return path.mid(path.lastIndexOf(u'/') + 1);
 }
 
+void RefuseChangedFile(const SaveJob& job)
+{
+    throw Failure(kFailureIo,
+                  QStringLiteral("\"%1\" has been changed by another program since it was "
+                                 "loaded. Load it again, or save under another name.")
+                      .arg(SaveLeaf(job.path)));
+}
+
 SavePlan PlanSave(const SaveJob& job)
 {
     if (job.picture.IsNull()) {
@@ -58,10 +66,7 @@ void RefuseLosses(const SaveJob& job, const SavePlan& plan)
         return;
     }
     if (plan.replaced || !job.loaded->IsUnchanged()) {
-        throw Failure(kFailureIo,
-                      QStringLiteral("\"%1\" has been changed by another program since it was "
-                                     "loaded. Load it again, or save under another name.")
-                          .arg(leaf));
+        RefuseChangedFile(job);
     }
     if (job.picture.IsPartial()) {
         throw Failure(kFailureUnreadable,

@@ -20,6 +20,8 @@ SavePlan PlanSave(const SaveJob& job);
 /// Failure in words for what would lose part of the loaded file: it was changed by others, was
 /// read in part, holds more than is shown, or more pictures than can be carried over.
 void RefuseLosses(const SaveJob& job, const SavePlan& plan);
+/// The failure of a file that is not any more as it was loaded.
+[[noreturn]] void RefuseChangedFile(const SaveJob& job);
 /// The file's name without its folder, for words.
 QString SaveLeaf(const QString& path);
 

@@ -1,59 +1,18 @@
 // Saving a picture as a further page of a file that is there.
 #include "core/save_support.h"
-#include "imaging/carry/append_tiff.h"
-#include "imaging/comments/carriers.h"
 #include "imaging/comments/slots.h"
 #include "imaging/engine.h"
-#include "imaging/exif/tiff_claims.h"
 #include "imaging/format_table.h"
-#include "imaging/limits.h"
-#include "tiff_maker.h"
+#include "tiff_pages_for_tests.h"
 #include "worker_support.h"
-
-#include <QRegularExpression>
 
 namespace quillane {
 namespace {
 
+using test::Directories;
+using test::SlotsOfPage;
+using test::Strips;
 using test::TiffMaker;
-
-/// The directories of pages, in order.
-std::vector<exif::TiffDirectory> Directories(const QByteArray& file)
-{
-    const auto structure = exif::TiffStructure::Open(file);
-    std::vector<exif::TiffDirectory> all;
-    for (qint64 at = structure->FirstDirectory(); at != 0 && all.size() < 100;) {
-        all.push_back(structure->ReadDirectory(at));
-        at = all.back().next;
-    }
-    return all;
-}
-
-/// Places and sizes of a page's strips and tiles.
-std::vector<exif::ByteRange> Strips(const QByteArray& file, const exif::TiffDirectory& page)
-{
-    const auto structure = exif::TiffStructure::Open(file);
-    std::vector<exif::ByteRange> ranges;
-    exif::TiffClaims(*structure).AddContents(page, ranges);
-    return ranges;
-}
-
-/// The slots of one page.
-CommentSet SlotsOfPage(const QByteArray& file, int page)
-{
-    MemorySource source(TiffFromDirectory(file, Directories(file).at(size_t(page)).at));
-    CommentSet set;
-    ReadTiffComments(source, set);
-    return set;
-}
-
-QByteArray Grey(quint32 width, quint32 height, char value, bool big = false)
-{
-    TiffMaker maker(big);
-    maker.Picture(width, height, {8}, 1, height)
-        .Chunk(QByteArray(qsizetype(width * height), value));
-    return maker.File();
-}
 
 class SaveAppend : public test::WorkerTest {
 protected:
@@ -262,7 +221,7 @@ TEST_F(SaveAppend, PixelsThatWereNotChangedAndWhatNoSlotNamesGoAlongAsTheyLie)
         maker.Picture(10, 6, {8}, 1, 6).Chunk(strip).Bytes(700, xmp).Bytes(0x83bb, "IPTC-IPTC");
         maker.Short(297, {4, 9}).Short(0xfde8, {0x1234, 0x5678, 0x9abc});
         const QString from = Write(QStringLiteral("from.tif"), maker.File());
-        const QString to = Write(QStringLiteral("to.tif"), Grey(8, 8, 'o', big));
+        const QString to = Write(QStringLiteral("to.tif"), test::GreyTiff(8, 8, 'o', big));
         EngineInstance lead;
         lead.Load(from, 0, 0);
         CopyComments(lead, from);
@@ -306,6 +265,26 @@ TEST_F(SaveAppend, ThePictureStaysThatOfTheFirstPageAndCanBeSavedAfterwards)
     const QByteArray bytes = Bytes(file);
     EXPECT_EQ(SlotsOfPage(bytes, 0).At(kDescriptionSlot).Text(), QStringLiteral("On=first"));
     EXPECT_NE(SlotsOfPage(bytes, 3).At(kDescriptionSlot), lead.Comment(kDescriptionSlot));
+}
+
+TEST_F(SaveAppend, TheLoadedFileChangedByOthersTakesNoPage)
+{
+    const QString file = Copy("three_pages.tif", QStringLiteral("three.tif"));
+    EngineInstance lead;
+    lead.Load(file, 0, 0);
+    const QByteArray changed = test::GreyTiff(8, 8, 'c');
+    WriteWholeFile(mFolder.filePath(QStringLiteral("other.tif")), changed);
+    // Written into, as some programs do; the name stands for the same file.
+    FILE* into = std::fopen(BytesFromPath(file).constData(), "r+b");
+    ASSERT_TRUE(into);
+    EXPECT_EQ(std::fwrite(changed.constData(), 1, size_t(changed.size()), into),
+              size_t(changed.size()));
+    std::fclose(into);
+    const QByteArray before = Bytes(file);
+    const Failure failure = FailureOfSave(lead, file, 3, 24);
+    EXPECT_EQ(failure.Number(), kFailureIo);
+    EXPECT_TRUE(failure.Description().contains(QStringLiteral("changed by another program")));
+    EXPECT_EQ(Bytes(file), before);
 }
 
 TEST_F(SaveAppend, WhatTakesNoFurtherPageIsRefusedInWords)
@@ -496,77 +475,6 @@ TEST_F(SaveAppend, WhatSomebodyWroteWhileThePageWasMadeStays)
     };
     EXPECT_NE(test::FailureOf([&] { SavePicture(job); }).Number(), 0);
     EXPECT_EQ(Bytes(file), QByteArray("somebody else's"));
-}
-
-TEST(AppendTiffPage, AFileThatWouldBecomeTooLargeIsRefused)
-{
-    const QByteArray target = Grey(8, 8, 'a');
-    const QByteArray page = Grey(64, 64, 'b');
-    const qint64 whole = AppendTiffPage(target, page, limits::kMaxFileBytes).file.size();
-    EXPECT_EQ(AppendTiffPage(target, page, whole).file.size(), whole);
-    EXPECT_EQ(test::FailureOf([&] { AppendTiffPage(target, page, whole - 1); }).Number(),
-              kFailureLimit);
-}
-
-TEST(AppendTiffPage, APlaceThatIsToldManyTimesDoesNotMakeTheFileGrow)
-{
-    TiffMaker maker;
-    maker.Picture(100, 100, {8}, 1, 1);
-    QList<quint32> places, sizes;
-    for (quint32 i = 0; i < 100; ++i) {
-        places.append(8);
-        sizes.append(100);
-    }
-    maker.Long(273, places).Long(279, sizes);
-    const QByteArray file = AppendTiffPage(Grey(8, 8, 'a'), maker.File(), 1 << 20).file;
-    EXPECT_LT(file.size(), 64 + maker.File().size() + 400);
-    // Places that overlap and differ would.
-    for (quint32 i = 0; i < 100; ++i) {
-        sizes[i] = 700 + i;
-    }
-    TiffMaker hostile;
-    hostile.Picture(100, 100, {8}, 1, 1).Long(273, places).Long(279, sizes);
-    EXPECT_EQ(
-        test::FailureOf([&] { AppendTiffPage(Grey(8, 8, 'a'), hostile.File(), 1 << 20); }).Number(),
-        kFailureLimit);
-}
-
-TEST(AppendTiffPage, FieldsOfHostilePagesAreBoundedAndCirclesEnd)
-{
-    // A directory that hangs on itself, and one that tells its own page as its Exif directory.
-    TiffMaker maker;
-    maker.Picture(4, 4, {8}, 1, 4)
-        .Chunk(QByteArray(16, 'x'))
-        .Long(330, {8, 8, 8})
-        .Long(0x8769, {8});
-    QByteArray page = maker.File();
-    const auto structure = exif::TiffStructure::Open(page);
-    const auto first = structure->ReadDirectory(structure->FirstDirectory());
-    const QByteArray own = structure->BytesOf(quint64(first.at), 4);
-    for (size_t i = 0; i < first.fields.size(); ++i) {
-        if (first.fields[i].tag == 0x8769) {
-            page.replace(first.table.from + 2 + qint64(i) * 12 + 8, 4, own);
-        }
-    }
-    const TiffWithPage made = AppendTiffPage(Grey(8, 8, 'a'), page, 1 << 20);
-    EXPECT_EQ(made.pages, 2);
-    const auto after = exif::TiffStructure::Open(made.file);
-    EXPECT_FALSE(exif::FindField(after->ReadDirectory(made.directory), 0x8769));
-}
-
-TEST(AppendTiffPage, ThreeHundredPagesStandInOneChain)
-{
-    QByteArray file = Grey(8, 8, 'a', true);
-    for (int i = 0; i < 300; ++i) {
-        file = AppendTiffPage(file, Grey(4, 4, char('a' + i % 26)), 1 << 20).file;
-    }
-    const std::optional<exif::TiffStructure> structure = exif::TiffStructure::Open(file);
-    qint64 at = structure->FirstDirectory();
-    int pages = 0;
-    for (; at != 0 && pages < 1000; ++pages) {
-        at = structure->ReadDirectory(at).next;
-    }
-    EXPECT_EQ(pages, 301);
 }
 
 } // namespace
