@@ -25,6 +25,7 @@ constexpr Codec kCodecTable[] = {
      codecs::WmfEncode},
     {"EMF", "EMF", codecs::EmfMatches, codecs::EmfProbe, codecs::EmfDecode, false},
     {"DXF", "DXF", codecs::DxfMatches, codecs::DxfProbe, codecs::DxfDecode, false},
+    {"FlashPix", "FPX", codecs::FpxMatches, codecs::FpxProbe, codecs::FpxDecode, false},
     {"BMP", "BMP DIB RLE", codecs::BmpMatches, codecs::BmpProbe, codecs::BmpDecode, false,
      codecs::BmpEncode},
     {"ICO", "ICO CUR", codecs::IcoMatches, codecs::IcoProbe, codecs::IcoDecode, false,

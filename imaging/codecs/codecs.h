@@ -77,6 +77,13 @@ ImageFacts DxfProbe(ByteSource& source);
 /// Codec::decode of the same.
 Bitmap DxfDecode(ByteSource& source, const DecodeRequest& request);
 
+/// Codec::matches of FlashPix pictures, and of any other compound file.
+bool FpxMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts FpxProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap FpxDecode(ByteSource& source, const DecodeRequest& request);
+
 /// Codec::matches of TIFF and BigTIFF in either byte order.
 bool TiffMatches(QByteArrayView head, QStringView extension);
 /// Codec::matches of DICOM, with its preamble or, by the extension, without.

@@ -1,4 +1,5 @@
 #include "drawn_maker.h"
+#include "fpx_maker.h"
 #include "picture_maker.h"
 #include <bit>
 
@@ -246,6 +247,15 @@ QMap<QString, QByteArray> MadeDrawings()
     files.insert("made.dxf", dxf.Written());
     files.insert("made binary.dxf", dxf.Binary(2));
     files.insert("made old binary.dxf", dxf.Binary(1));
+    JpegMake jpeg;
+    jpeg.width = jpeg.height = 64;
+    FpxMake fpx;
+    fpx.tables.insert(1, JpegTablesOf(MakeJpeg(jpeg)));
+    const FpxTileMake plain{0, QByteArray(4, '\0'), QByteArray(64 * 64 * 3, 'p')};
+    const FpxTileMake colour{1, QByteArray("abcd", 4), {}};
+    const FpxTileMake packed{2, QByteArray("\0\x22\1\1", 4), JpegWithoutTables(MakeJpeg(jpeg))};
+    fpx.resolutions = {{QSize(64, 40), {colour}}, {QSize(160, 50), {plain, colour, packed}}};
+    files.insert("made.fpx", MakeFpx(fpx));
     files.insert("made placeable.wmf", wmf.Placeable(QRect(0, 0, 400, 300), 200));
     return files;
 }
