@@ -26,6 +26,7 @@ constexpr Codec kCodecTable[] = {
     {"EMF", "EMF", codecs::EmfMatches, codecs::EmfProbe, codecs::EmfDecode, false},
     {"DXF", "DXF", codecs::DxfMatches, codecs::DxfProbe, codecs::DxfDecode, false},
     {"FlashPix", "FPX", codecs::FpxMatches, codecs::FpxProbe, codecs::FpxDecode, false},
+    {"EPS", "EPS PS AI", codecs::EpsMatches, codecs::EpsProbe, codecs::EpsDecode, false},
     {"BMP", "BMP DIB RLE", codecs::BmpMatches, codecs::BmpProbe, codecs::BmpDecode, false,
      codecs::BmpEncode},
     {"ICO", "ICO CUR", codecs::IcoMatches, codecs::IcoProbe, codecs::IcoDecode, false,

@@ -84,6 +84,13 @@ ImageFacts FpxProbe(ByteSource& source);
 /// Codec::decode of the same.
 Bitmap FpxDecode(ByteSource& source, const DecodeRequest& request);
 
+/// Codec::matches of encapsulated PostScript, with a preview or without.
+bool EpsMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts EpsProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap EpsDecode(ByteSource& source, const DecodeRequest& request);
+
 /// Codec::matches of TIFF and BigTIFF in either byte order.
 bool TiffMatches(QByteArrayView head, QStringView extension);
 /// Codec::matches of DICOM, with its preamble or, by the extension, without.
