@@ -9,6 +9,8 @@ pkg_check_modules(Png REQUIRED IMPORTED_TARGET libpng)
 pkg_check_modules(Exiv2 REQUIRED IMPORTED_TARGET exiv2)
 pkg_check_modules(Lcms REQUIRED IMPORTED_TARGET lcms2)
 pkg_check_modules(Seccomp REQUIRED IMPORTED_TARGET libseccomp)
+# Only their headers: the decoding process loads them itself.
+pkg_check_modules(Ffmpeg REQUIRED IMPORTED_TARGET libavformat libavcodec libavutil libswscale)
 pkg_check_modules(Sane REQUIRED IMPORTED_TARGET sane-backends)
 find_package(GIF REQUIRED)
 # Of OpenCV only what works on pixels: its readers and windows bring a hundred libraries along.

@@ -12,10 +12,11 @@ target_include_directories(quillane_worker PUBLIC ${CMAKE_BINARY_DIR}/roots/quil
 # The same for Qt's pictures: headers that name them, and nothing that is linked.
 target_include_directories(quillane_worker SYSTEM PRIVATE
   $<TARGET_PROPERTY:Qt6::Gui,INTERFACE_INCLUDE_DIRECTORIES>)
+target_include_directories(quillane_worker SYSTEM PRIVATE ${Ffmpeg_INCLUDE_DIRS})
 target_link_libraries(quillane_worker
   PUBLIC quillane_core
   PRIVATE quillane_options PkgConfig::Tiff PkgConfig::OpenJpeg PkgConfig::TurboJpeg
-          PkgConfig::Seccomp)
+          PkgConfig::Seccomp ${CMAKE_DL_LIBS})
 quillane_link_dcmtk(quillane_worker)
 
 # Leaves out of a program what its link line names and it does not use.

@@ -96,4 +96,12 @@ bool TiffMatches(QByteArrayView head, QStringView extension);
 /// Codec::matches of DICOM, with its preamble or, by the extension, without.
 bool DicomMatches(QByteArrayView head, QStringView extension);
 
+
+/// Codec::matches of QuickTime and MP4 clips.
+bool MovMatches(QByteArrayView head, QStringView extension);
+/// Codec::matches of AVI clips.
+bool AviMatches(QByteArrayView head, QStringView extension);
+/// Codec::matches of MPEG clips: program streams, bare ones, and by their names transport streams.
+bool MpegMatches(QByteArrayView head, QStringView extension);
+
 } // namespace quillane::codecs

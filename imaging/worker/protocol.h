@@ -29,6 +29,9 @@
 
 namespace quillane::worker {
 
+/// Names of the codecs that a process serves which was started with kClipArgument, and no other.
+inline constexpr const char* kClipCodecs[] = {"MOV", "AVI", "MPEG"};
+inline constexpr char kClipArgument[] = "clips";
 inline constexpr int kSocketDescriptor = 3; ///< the process's end of the pair
 inline constexpr quint32 kProtocolMark = 0x51574b31;
 inline constexpr int kMaxMessageBytes = 64 * 1024;

@@ -52,6 +52,8 @@ private:
 void Configure(const QString& program, int maxProcesses)
 {
     SharedPool().Configure(program, maxProcesses);
+    constexpr int kMostForClips = 2; // they are larger, and clips are fewer than pictures
+    ClipPool().Configure(program, std::min(maxProcesses, kMostForClips));
 }
 
 void WarmUp()
@@ -62,11 +64,12 @@ void WarmUp()
 void Shutdown()
 {
     SharedPool().Shutdown();
+    ClipPool().Shutdown();
 }
 
 ImageFacts Probe(FileSource& source, const char* codecName)
 {
-    Exchange exchange(SharedPool(), codecName, nullptr);
+    Exchange exchange(PoolFor(codecName), codecName, nullptr);
     exchange.Ask(MessageKind::Probe, source.Fd(), source.Size(), 0, 0, 0, limits::kWorkerSeconds);
     if (exchange.Next() != MessageKind::Facts) {
         exchange.Lied();
@@ -82,7 +85,7 @@ ImageFacts Probe(FileSource& source, const char* codecName)
 
 Bitmap Decode(FileSource& source, const char* codecName, const DecodeRequest& request)
 {
-    Exchange exchange(SharedPool(), codecName, request.cancelled);
+    Exchange exchange(PoolFor(codecName), codecName, request.cancelled);
     exchange.Ask(MessageKind::Decode, source.Fd(), source.Size(), request.page,
                  request.atLeast.width(), request.atLeast.height(), limits::kWorkerDecodeSeconds);
     QByteArray profile;

@@ -1,11 +1,13 @@
 #include "imaging/worker/worker_pool.h"
 #include "core/failure.h"
+#include "imaging/worker/protocol.h"
 #include <QCoreApplication>
 #include <chrono>
 
 namespace quillane::worker {
 
-WorkerPool::WorkerPool() = default;
+WorkerPool::WorkerPool(const char* argument) : mArgument(argument)
+{ }
 
 WorkerPool::~WorkerPool()
 {
@@ -43,7 +45,7 @@ void WorkerPool::WarmUp()
     const QString program = Program();
     mTasks.emplace([this, program, generation]() -> Spawned {
         Spawned spawned;
-        ResumeNext([&] { spawned = WorkerProcess::Spawn(program); });
+        ResumeNext([&] { spawned = WorkerProcess::Spawn(program, mArgument); });
         GiveBack(std::move(spawned), generation);
         {
             const std::lock_guard done(mMutex);
@@ -122,7 +124,7 @@ std::unique_ptr<WorkerProcess> WorkerPool::Take(const std::atomic<bool>* cancell
 std::future<WorkerPool::Spawned> WorkerPool::AskKeeper(QString program)
 {
     std::packaged_task<Spawned()> task(
-        [program = std::move(program)] { return WorkerProcess::Spawn(program); });
+        [this, program = std::move(program)] { return WorkerProcess::Spawn(program, mArgument); });
     std::future<Spawned> future = task.get_future();
     mTasks.push(std::move(task));
     if (!mKeeper.joinable()) {
@@ -164,6 +166,20 @@ WorkerPool& SharedPool()
 {
     static WorkerPool pool;
     return pool;
+}
+
+WorkerPool& ClipPool()
+{
+    static WorkerPool pool(kClipArgument);
+    return pool;
+}
+
+WorkerPool& PoolFor(const char* codecName)
+{
+    const bool isClip =
+        std::any_of(std::begin(kClipCodecs), std::end(kClipCodecs),
+                    [&](const char* name) { return qstrcmp(codecName, name) == 0; });
+    return isClip ? ClipPool() : SharedPool();
 }
 
 } // namespace quillane::worker

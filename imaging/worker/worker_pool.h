@@ -17,7 +17,8 @@ namespace quillane::worker {
 /// kept. Any thread.
 class WorkerPool {
 public:
-    WorkerPool();
+    /// `argument` is what every process gets with its program; nullptr for nothing.
+    explicit WorkerPool(const char* argument = nullptr);
     ~WorkerPool();
     /// Program and number from now on; processes of before end as they come back.
     void Configure(const QString& program, int maxProcesses);
@@ -47,6 +48,7 @@ private:
     std::condition_variable mKeeperWanted;
     std::vector<Spawned> mIdle;
     std::queue<std::packaged_task<Spawned()>> mTasks;
+    const char* mArgument;
     QString mProgram;
     int mMax = int(std::max(1u, std::thread::hardware_concurrency()));
     int mTaken = 0;
@@ -57,7 +59,11 @@ private:
     std::thread mKeeper;
 };
 
-/// The pool that the whole program uses.
+/// The pool that the whole program uses, for everything but clips.
 WorkerPool& SharedPool();
+/// Processes for clips alone: they load libraries that take long to load.
+WorkerPool& ClipPool();
+/// The pool whose processes serve a codec (Codec::name).
+WorkerPool& PoolFor(const char* codecName);
 
 } // namespace quillane::worker

@@ -47,7 +47,7 @@ struct SpawnPlan {
 
 } // namespace
 
-std::unique_ptr<WorkerProcess> WorkerProcess::Spawn(const QString& program)
+std::unique_ptr<WorkerProcess> WorkerProcess::Spawn(const QString& program, const char* argument)
 {
     int pair[2];
     if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, pair) != 0) {
@@ -71,7 +71,8 @@ std::unique_ptr<WorkerProcess> WorkerProcess::Spawn(const QString& program)
     ::posix_spawnattr_setflags(&plan.attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
 
     QByteArray path = BytesFromPath(program);
-    char* const arguments[] = {path.data(), nullptr};
+    QByteArray word(argument);
+    char* const arguments[] = {path.data(), argument ? word.data() : nullptr, nullptr};
     std::vector<QByteArray> environment = WorkerEnvironment();
     std::vector<char*> variables;
     variables.reserve(environment.size() + 1);

@@ -10,9 +10,11 @@ namespace quillane::worker {
 /// time. Its end kills and reaps the process, which holds nothing worth a farewell.
 class WorkerProcess {
 public:
-    /// Starts the program. The calling thread must outlive the process: the system ends a
-    /// process together with the thread that started it. Failure kFailureWorker.
-    static std::unique_ptr<WorkerProcess> Spawn(const QString& program);
+    /// Starts the program, with an argument unless that is null. The calling thread must outlive
+    /// the process: the system ends a process together with the thread that started it. Failure
+    /// kFailureWorker.
+    static std::unique_ptr<WorkerProcess> Spawn(const QString& program,
+                                                const char* argument = nullptr);
     ~WorkerProcess();
     WorkerProcess(const WorkerProcess&) = delete;
     WorkerProcess& operator=(const WorkerProcess&) = delete;

@@ -137,7 +137,37 @@ TEST(FindCodec, TellsEachFormatByItsBeginning)
         {QByteArray("\0\0\1\0\1\0", 6) + QByteArray(12, '\0') + making::Little(22, 4), "", "ICO"},
         {QByteArray("\0\0\2\0\1\0", 6) + QByteArray(12, '\0') + making::Little(22, 4), "", "ICO"},
         {QByteArray("\0\0\2\0\0\0", 6) + QByteArray(16, '\0'), "tga", nullptr},
-        {QByteArray("\0\0\1\xba", 4) + QByteArray(16, '\0'), "mpg", nullptr},
+        {QByteArray("\0\0\1\xba", 4) + QByteArray(16, '\0'), "mpg", "MPEG"},
+        {QByteArray("\0\0\1\xb3", 4) + QByteArray(16, '\0'), "", "MPEG"},
+        {QByteArray("\0\0\1\xb6", 4) + QByteArray(16, '\0'), "mpg", nullptr},
+        {QByteArray(512, 'G'), "mpg", "MPEG"},
+        {QByteArray(512, 'G'), "", nullptr},
+        {"RIFF1234AVI LIST", "", "AVI"},
+        {"RIFF1234WAVEfmt ", "avi", nullptr},
+        {QByteArray("\0\0\0\x14"
+                    "ftypqt  ",
+                    12),
+         "", "MOV"},
+        {QByteArray("\0\0\0\x14"
+                    "ftypisom",
+                    12),
+         "", "MOV"},
+        {QByteArray("\0\0\0\x14"
+                    "ftypheic",
+                    12),
+         "mov", nullptr},
+        {QByteArray("\0\0\0\x08"
+                    "wide\0\0\0\0",
+                    12),
+         "", "MOV"},
+        {QByteArray("\0\0\x02\x14"
+                    "moov\0\0\0\0",
+                    12),
+         "", "MOV"},
+        {QByteArray("\0\0\x02\x14"
+                    "moo?\0\0\0\0",
+                    12),
+         "mov", nullptr},
         {"P6\n1 1\n255\n", "", "PNM"},
         {"P1#", "", "PNM"},
         {"P7\n", "", nullptr},

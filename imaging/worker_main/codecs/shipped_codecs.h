@@ -30,6 +30,15 @@ bool DecodeIoca(ByteSource& source, const PictureWish& wish, PictureSink& sink);
 ImageFacts ProbeItg(ByteSource& source);
 bool DecodeItg(ByteSource& source, const PictureWish& wish, PictureSink& sink);
 
+/// First frames of clips, through FFmpeg, whose libraries are loaded by PrepareClips.
+void PrepareClips();
+ImageFacts ProbeMov(ByteSource& source);
+bool DecodeMov(ByteSource& source, const PictureWish& wish, PictureSink& sink);
+ImageFacts ProbeAvi(ByteSource& source);
+bool DecodeAvi(ByteSource& source, const PictureWish& wish, PictureSink& sink);
+ImageFacts ProbeMpeg(ByteSource& source);
+bool DecodeMpeg(ByteSource& source, const PictureWish& wish, PictureSink& sink);
+
 /// What the shipped decoding process serves.
 inline constexpr WorkerCodec kShippedCodecs[] = {
     {"TIFF", nullptr, ProbeTiff, DecodeTiff, nullptr, EncodeTiff},
@@ -39,6 +48,13 @@ inline constexpr WorkerCodec kShippedCodecs[] = {
     {"CALS", nullptr, ProbeCals, DecodeCals, nullptr},
     {"IOCA", nullptr, ProbeIoca, DecodeIoca, nullptr},
     {"Intergraph", nullptr, ProbeItg, DecodeItg, nullptr},
+};
+
+/// What it serves instead when it is started with kClipArgument.
+inline constexpr WorkerCodec kShippedClips[] = {
+    {"MOV", PrepareClips, ProbeMov, DecodeMov, nullptr},
+    {"AVI", nullptr, ProbeAvi, DecodeAvi, nullptr},
+    {"MPEG", nullptr, ProbeMpeg, DecodeMpeg, nullptr},
 };
 
 } // namespace quillane::worker
