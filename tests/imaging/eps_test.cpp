@@ -122,6 +122,30 @@ TEST(EpsFile, TheHeaderBeforeItTellsScriptAndPreview)
               u"This EPS is damaged: its header points outside the file.");
 }
 
+TEST(EpsFile, DamageAnywhereStaysWithinTheFile)
+{
+    const QByteArray whole =
+        EpsWithPreview(EpsScript("showpage", "(atend)") + "%%BoundingBox: 0 0 9 9\n", "II*", true);
+    quint32 random = 99;
+    const auto next = [&random] { return random = random * 1664525 + 1013904223, random >> 8; };
+    for (int i = 0; i < 1000; ++i) {
+        QByteArray damaged = i % 5 ? whole : whole.first(qsizetype(next() % quint32(whole.size())));
+        for (int k = 0; k < i % 4 && !damaged.isEmpty(); ++k) {
+            const quint32 reach = i % 2 ? quint32(damaged.size()) : 30;
+            damaged[qsizetype(next() % qMin(reach, quint32(damaged.size())))] = char(next());
+        }
+        const making::Refusal refusal = making::RefusalOf([&] {
+            const eps::EpsFile file = EpsRead(damaged);
+            EXPECT_GE(file.scriptAt, 0);
+            EXPECT_LE(file.scriptAt + file.scriptSize, damaged.size());
+            EXPECT_LE(file.previewAt + file.previewSize, damaged.size());
+            EXPECT_GT(file.box.width() * file.box.height(), 0);
+        });
+        EXPECT_TRUE(refusal.number == 0 || refusal.number == kFailureUnreadable
+                    || refusal.number == kFailureLimit);
+    }
+}
+
 TEST(EpsFile, OnlyPostScriptIsTaken)
 {
     EXPECT_TRUE(eps::IsEps("%!PS-Adobe-2.0 EPSF-1.2\n"));

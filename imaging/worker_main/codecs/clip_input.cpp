@@ -83,7 +83,7 @@ QString ClipPacking(const ClipLibrary& library, const AVCodecParameters& told)
         const uchar letter = uchar(told.codec_tag >> shift);
         letters += letter > ' ' && letter < 0x7f ? QChar(letter) : QChar(u'?');
     }
-    return letters;
+    return letters == u"????" ? QStringLiteral("something unknown") : letters;
 }
 
 /// Packets of pictures and sound, packets for broadcasting, or a bare stream of pictures.
