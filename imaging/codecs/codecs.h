@@ -96,7 +96,6 @@ bool TiffMatches(QByteArrayView head, QStringView extension);
 /// Codec::matches of DICOM, with its preamble or, by the extension, without.
 bool DicomMatches(QByteArrayView head, QStringView extension);
 
-
 /// Codec::matches of QuickTime and MP4 clips.
 bool MovMatches(QByteArrayView head, QStringView extension);
 /// Codec::matches of AVI clips.

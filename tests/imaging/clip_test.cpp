@@ -283,7 +283,7 @@ TEST_F(Clip, DamageAnywhereStaysOrderly)
             const quint32 reach =
                 quint32(i % 2 ? damaged.size() : qMin<qsizetype>(damaged.size(), 700)) - 12;
             for (int k = 0; k < 1 + i % 7; ++k) {
-                damaged[qsizetype(12 + next() % reach)] = i % 3 ? char(next()) : char(0xff);
+                damaged[12 + qsizetype(next() % reach)] = i % 3 ? char(next()) : char(0xff);
             }
             ExpectOrderly(Write(QString("damaged.") + QString(row.file).section('.', 1), damaged));
         }

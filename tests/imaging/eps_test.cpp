@@ -222,8 +222,7 @@ TEST(Eps, ThePageIsShownOnceHoweverTheScriptEnds)
     for (const char* end :
          {"", "showpage", "quit", "showpage quit",
           "showpage 0 0 1 setrgbcolor 0 0 72 72 rectfill showpage", "/showpage {} def",
-          "erasepage initgraphics 1 0 0 setrgbcolor "
-          "clippath fill showpage"}) {
+          "erasepage 1 0 0 setrgbcolor clippath fill showpage"}) {
         const Bitmap bitmap = making::DecodeBytes(EpsScript(red + end));
         EXPECT_EQ(bitmap.Pixels().pixel(48, 48), qRgb(255, 0, 0)) << end;
         EXPECT_FALSE(bitmap.IsPartial()) << end;
