@@ -1,5 +1,6 @@
 #include "imaging/saving/save_plan.h"
 #include "core/failure.h"
+#include "imaging/format_facts.h"
 #include "imaging/format_table.h"
 #include <cstring>
 
@@ -16,9 +17,9 @@ const SaveVariant& SaveVariantFor(qint16 format)
     throw Failure(kFailureGeneral,
                   words.isEmpty()
                       ? QStringLiteral("There is no file format with the number %1.").arg(format)
-                      : QStringLiteral("Files of the format \"%1\" cannot be written. Choose "
-                                       "another format.")
-                            .arg(words));
+                      : QStringLiteral("Files of the format \"%1\" cannot be written: %2. "
+                                       "Choose another format.")
+                            .arg(words, WhyNotWritten(format)));
 }
 
 } // namespace
