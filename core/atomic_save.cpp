@@ -19,6 +19,14 @@ constexpr int kMostLinks = 40; // as many as the system itself follows
 constexpr int kNameTries = 16;
 constexpr mode_t kPrivate = 0600;
 
+/// The probe of the innermost SaveProbeScope of this thread.
+thread_local const SaveProbe* tScopeProbe = nullptr;
+
+const SaveProbe& ProbeOf(const SaveOptions& options)
+{
+    return options.probe || tScopeProbe == nullptr ? options.probe : *tScopeProbe;
+}
+
 QByteArray AbsoluteBytes(const QByteArray& path)
 {
     if (path.startsWith('/'))
@@ -38,7 +46,8 @@ QByteArray LinkTarget(QByteArray path, const QString& shown)
         const QByteArray next(target.data(), length);
         path = next.startsWith('/') ? next : FolderOfBytes(path) + next;
     }
-    throw FailureFromErrno(ELOOP, QStringLiteral("write"), shown);
+    const Failure reason = FailureFromErrno(ELOOP, QStringLiteral("write"), shown);
+    throw Failure(reason.Number(), reason.Description() + u' ' + WriteAdvice(ELOOP));
 }
 
 class AtomicSave final : public SaveSink {
@@ -46,7 +55,7 @@ public:
     AtomicSave(const QString& path, const SaveOptions& options)
         : mShown(path),
           mOptions(options),
-          mCalls(mOptions.probe),
+          mCalls(ProbeOf(mOptions)),
           mJournal(mCalls)
     {
         const QByteArray bytes = BytesFromPath(path);
@@ -98,7 +107,8 @@ public:
 private:
     [[noreturn]] void Fail(int error) const
     {
-        throw FailureFromErrno(error, QStringLiteral("write"), mShown);
+        const Failure reason = FailureFromErrno(error, QStringLiteral("write"), mShown);
+        throw Failure(reason.Number(), reason.Description() + u' ' + WriteAdvice(error));
     }
     void FailIf(int error) const
     {
@@ -111,7 +121,7 @@ private:
     }
     [[noreturn]] void RefuseAsThere() const
     {
-        Refuse(QStringLiteral("There is a file or folder named %1 already."));
+        Refuse(QStringLiteral("There is a file or folder named %1 already. Choose another name."));
     }
 
     // What stands at the target now, and whether it may be replaced.
@@ -130,9 +140,12 @@ private:
         if (!mExists)
             return;
         if (S_ISDIR(mOld.st_mode))
-            Refuse(QStringLiteral("%1 is a folder and is not replaced."), kFailureIo);
+            Refuse(QStringLiteral("%1 is a folder and is not replaced. Choose another name."),
+                   kFailureIo);
         if (!S_ISREG(mOld.st_mode))
-            Refuse(QStringLiteral("%1 is no ordinary file and is not replaced."), kFailureIo);
+            Refuse(QStringLiteral("%1 is no ordinary file and is not replaced. Choose "
+                                  "another name."),
+                   kFailureIo);
         if (faccessat(AT_FDCWD, mTarget.constData(), W_OK, AT_EACCESS) != 0)
             Fail(errno);
     }
@@ -301,12 +314,15 @@ private:
         if (opened.st_ino != mOld.st_ino || opened.st_dev != mOld.st_dev
             || opened.st_size != mOld.st_size || opened.st_mtim.tv_sec != mOld.st_mtim.tv_sec
             || opened.st_mtim.tv_nsec != mOld.st_mtim.tv_nsec)
-            Refuse(QStringLiteral("%1 is being changed by another program. Nothing was written."));
+            Refuse(
+                QStringLiteral("%1 is being changed by another program. Nothing was written; try "
+                               "again."));
         const QByteArray previous = mOptions.keepPreviousAs.isEmpty() ? QByteArray() : Previous();
         if (!mJournal.NoteInPlace(
                 {mTarget, mBackupName, mDraftName, previous, mOld.st_dev, mOld.st_ino})) {
             Refuse(QStringLiteral("Cannot write %1: it has several names, and there is no room in "
-                                  "the home folder to note how to undo a save that is cut short."),
+                                  "the home folder to note how to undo a save that is cut short. "
+                                  "Make room there."),
                    kFailureIo);
         }
         const InPlaceResult result = ExchangeContent(mCalls, target.Fd(), mDraft.Fd(), backup.Fd());
@@ -344,6 +360,16 @@ private:
 };
 
 } // namespace
+
+SaveProbeScope::SaveProbeScope(SaveProbe probe)
+    : mProbe(std::move(probe)),
+      mOuter(std::exchange(tScopeProbe, &mProbe))
+{ }
+
+SaveProbeScope::~SaveProbeScope()
+{
+    tScopeProbe = mOuter;
+}
 
 bool SameFileState(const FileStat& one, const FileStat& other)
 {

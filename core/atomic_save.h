@@ -72,6 +72,20 @@ FileStat SaveAtomically(const QString& path, const SaveWriter& writer,
 /// the disk, size and time of change tell.
 bool SameFileState(const FileStat& one, const FileStat& other);
 
+/// While it lives, saves of this thread that have no probe of their own ask this one; the innermost
+/// counts. For tests of what saves by way of other layers.
+class SaveProbeScope {
+public:
+    explicit SaveProbeScope(SaveProbe probe);
+    ~SaveProbeScope();
+    SaveProbeScope(const SaveProbeScope&) = delete;
+    SaveProbeScope& operator=(const SaveProbeScope&) = delete;
+
+private:
+    SaveProbe mProbe;
+    const SaveProbe* mOuter;
+};
+
 /// What CleanUpAfterCrash did.
 struct CrashCleanUp {
     int removed = 0;  ///< temporary files

@@ -55,6 +55,30 @@ QString ReasonOfErrno(int error)
 
 } // namespace
 
+QString WriteAdvice(int error)
+{
+    switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+        return QStringLiteral("Save it in a folder that is there.");
+    case ENAMETOOLONG:
+        return QStringLiteral("Choose a shorter name.");
+    case EACCES:
+    case EPERM:
+        return QStringLiteral("Save it in another folder, or change the permissions.");
+    case ENOSPC:
+    case EDQUOT:
+        return QStringLiteral("Make room there, or save it in another place.");
+    case ELOOP:
+        return QStringLiteral("Choose another name.");
+    case EMFILE:
+    case ENFILE:
+        return QStringLiteral("Close what you do not need and try again.");
+    default:
+        return QStringLiteral("Save it in another place.");
+    }
+}
+
 QString ShownName(const QString& path)
 {
     QString name = LeafName(WithoutSeparator(path));

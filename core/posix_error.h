@@ -12,4 +12,7 @@ QString ShownName(const QString& path);
 /// verb: what was tried, as in "open"; path: on what.
 Failure FailureFromErrno(int error, const QString& verb, const QString& path);
 
+/// What a person can do about an error number of a save: a sentence.
+QString WriteAdvice(int error);
+
 } // namespace quillane

@@ -79,7 +79,8 @@ LoadedImage LoadFile(const QString& path, const DecodeRequest& request)
     const bool whole = request.page == 0
         && (stored.Width() == loaded.facts.width && stored.Height() == loaded.facts.height);
     const qint64 pixels = whole ? loaded.bitmap.Pixels().cacheKey() : 0;
-    loaded.file = std::make_shared<LoadedFile>(path, source, &codec, loaded.facts, pixels);
+    loaded.file = std::make_shared<LoadedFile>(path, source, &codec, loaded.facts, pixels,
+                                               loaded.bitmap.IsExact());
     return loaded;
 }
 

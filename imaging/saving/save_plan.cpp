@@ -75,7 +75,7 @@ void RefuseLosses(const SaveJob& job, const SavePlan& plan)
                                      "under another name.")
                           .arg(leaf));
     }
-    if (!job.picture.IsExact() && !plan.pixelsStay) {
+    if (!job.loaded->exact && !plan.pixelsStay) {
         throw Failure(kFailureGeneral,
                       QStringLiteral("\"%1\" holds samples that the program only shows, and they "
                                      "would be lost. Save under another name.")

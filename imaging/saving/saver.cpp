@@ -45,10 +45,12 @@ void ReadBack(const QString& draft, const SaveJob& job, const SavePlan& plan)
         good = wanted.IsEmpty() || ReadComments(source, job.path).At(kDescriptionSlot) == wanted;
     }
     if (!good) {
-        throw Failure(kFailureIo,
-                      QStringLiteral("\"%1\" could not be saved: what was written does not read "
-                                     "back as it should. The file is as it was.")
-                          .arg(SaveLeaf(job.path)));
+        throw Failure(
+            kFailureIo,
+            QStringLiteral("\"%1\" could not be saved: what was written does not read "
+                           "back as it should. The file is as it was. Save in another format, or "
+                           "in another place.")
+                .arg(SaveLeaf(job.path)));
     }
 }
 
@@ -62,7 +64,8 @@ std::shared_ptr<const LoadedFile> Reloaded(const SaveJob& job, const SavePlan& p
         || (!plan.variant->lossy
             && (job.request.bits == 0 || job.request.bits == job.loaded->facts.bits));
     return std::make_shared<LoadedFile>(job.path, std::move(source), job.loaded->codec, facts,
-                                        same ? job.picture.Pixels().cacheKey() : 0);
+                                        same ? job.picture.Pixels().cacheKey() : 0,
+                                        !plan.pixelsStay || job.loaded->exact);
 }
 
 } // namespace
@@ -85,7 +88,12 @@ std::shared_ptr<const LoadedFile> SavePicture(const SaveJob& job)
     options.probe = job.probe;
     options.verify = [&](const QString& draft) { ReadBack(draft, job, plan); };
     SaveAtomically(job.path, content, options);
-    return plan.inPlace ? Reloaded(job, plan) : job.loaded;
+    std::shared_ptr<const LoadedFile> next = job.loaded;
+    if (plan.inPlace) {
+        // What happens to the file from here on does not undo that it was saved.
+        ResumeNext([&] { next = Reloaded(job, plan); });
+    }
+    return next;
 }
 
 } // namespace quillane
