@@ -52,9 +52,9 @@ SavePlan PlanSave(const SaveJob& job)
         plan.sameCodec = std::strcmp(loaded->codec->name, plan.variant->codec) == 0;
         plan.pixelsUntouched = loaded->pixels == job.picture.Pixels().cacheKey();
         const ImageFacts& facts = loaded->facts;
-        plan.pixelsStay = plan.sameCodec && plan.pixelsUntouched && !job.stamp
-            && plan.variant->carrier != CommentCarrier::Jpeg && facts.format == job.request.format
-            && facts.orientation <= 1 && loaded->IsUnchanged()
+        plan.pixelsStay = plan.sameCodec && plan.pixelsUntouched && !job.picture.IsPartial()
+            && !job.stamp && plan.variant->carrier != CommentCarrier::Jpeg
+            && facts.format == job.request.format && facts.orientation <= 1 && loaded->IsUnchanged()
             && (job.request.bits == 0 || job.request.bits == facts.bits);
     }
     return plan;

@@ -10,7 +10,8 @@ struct SavePlan {
     bool replaced = false;  ///< another file has the loaded one's name now
     bool sameCodec = false; ///< the loaded file is of the format that is written
     /// The pixels are those of the file, upright, at the depth and in the format that are asked
-    /// for, so that they may stay as they lie in it. A JPEG is encoded anew all the same.
+    /// for, and whole, so that they may stay as they lie in it. A JPEG is encoded anew all the
+    /// same.
     bool pixelsStay = false;
     bool pixelsUntouched = false; ///< the pixels are those that were loaded
 };

@@ -227,6 +227,75 @@ TEST_F(SaveTest, TheOtherPagesOfATiffStayWhenTheFirstIsChanged)
     EXPECT_EQ(LoadFile(file, second).bitmap.Pixels(), page);
 }
 
+TEST_F(SaveTest, AProcessedPictureIsNoMereViewOfItsFileAndIsSavedOverIt)
+{
+    struct Step {
+        const char* name;
+        void (*process)(EngineInstance& lead);
+    };
+    constexpr Step kSteps[] = {
+        {"invert", [](EngineInstance& lead) { lead.Invert(); }},
+        {"flip", [](EngineInstance& lead) { lead.Flip(); }},
+        {"turn", [](EngineInstance& lead) { lead.Rotate(9000, 1, 0); }},
+        {"trim", [](EngineInstance& lead) { lead.Trim(2, 3, 40, 30); }},
+        {"resize", [](EngineInstance& lead) { lead.Resize(50, 40, kResizeResample); }},
+        {"text", [](EngineInstance& lead) { lead.DrawText(QStringLiteral("A"), 0, 0); }},
+    };
+    for (const char* sample : {"AST_0102.JPG", "petals.png", "CHART.TIF", "chart.BMP"}) {
+        for (const Step& step : kSteps) {
+            SCOPED_TRACE(std::string(sample) + " " + step.name);
+            const QString file = Copy(QLatin1String(sample));
+            EngineInstance lead;
+            lead.Load(file, 0, 0);
+            step.process(lead);
+            EXPECT_EQ(lead.Save(file, lead.InfoFormat(), 0, 2, 0), 0);
+            const LoadedImage again = LoadFile(file);
+            EXPECT_EQ(again.bitmap.Pixels().size(), lead.Bitmap().Pixels().size());
+            // And once more: what was written is as good a file as the one before.
+            lead.Invert();
+            EXPECT_EQ(lead.Save(file, lead.InfoFormat(), 0, 2, 0), 0);
+        }
+    }
+}
+
+TEST_F(SaveTest, SamplesThatAreOnlyShownAreNotLostByAChangedPicture)
+{
+    const QString file = Copy(QStringLiteral("PHANTOM.DIC"));
+    EngineInstance lead;
+    lead.Load(file, 0, 0);
+    ASSERT_FALSE(lead.Bitmap().IsExact());
+    const QByteArray before = Bytes(file);
+    lead.Invert();
+    QString words;
+    EXPECT_EQ(FailureOf(lead, file, lead.InfoFormat(), words), kFailureGeneral);
+    EXPECT_EQ(words,
+              QStringLiteral("\"PHANTOM.DIC\" holds samples that the program only shows, "
+                             "and they would be lost. Save under another name."));
+    EXPECT_EQ(Bytes(file), before);
+}
+
+TEST_F(SaveTest, APartOfAPictureIsAWholeFileUnderAnotherName)
+{
+    for (const char* sample : {"chart.BMP", "chart.gif", "petals.png"}) {
+        SCOPED_TRACE(sample);
+        const QString file = Copy(QLatin1String(sample));
+        const QByteArray cut = Bytes(file).left(Bytes(file).size() * 3 / 5);
+        WriteWholeFile(file, cut);
+        EngineInstance lead;
+        lead.Load(file, 0, 0);
+        ASSERT_TRUE(lead.Bitmap().IsPartial());
+        const QString other = file + QStringLiteral(".saved");
+        EXPECT_EQ(lead.Save(other, lead.InfoFormat(), lead.InfoBits(), 2, 0), 0);
+        const LoadedImage again = LoadFile(other);
+        EXPECT_FALSE(again.bitmap.IsPartial());
+        EXPECT_EQ(again.bitmap.ToDisplay().size(), lead.Bitmap().ToDisplay().size());
+        QString words;
+        EXPECT_EQ(FailureOf(lead, file, lead.InfoFormat(), words), kFailureUnreadable);
+        EXPECT_TRUE(words.contains(QStringLiteral("Save under another name"))) << sample;
+        EXPECT_EQ(Bytes(file), cut);
+    }
+}
+
 TEST_F(SaveTest, UndoByAssignmentStillKnowsTheLoadedFile)
 {
     const QString file = Copy(QStringLiteral("petals.png"));
