@@ -1,5 +1,5 @@
 #include "imaging/processing/halftone.h"
-#include "imaging/processing/pixels/levels.h"
+#include "imaging/processing/pixels/colour_pixels.h"
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -52,33 +52,41 @@ struct ScreenWalk {
     quint32 stepAcross, stepDown;
 };
 
+/// The screen laid on grey, in place.
 template <typename Value>
-void ScreenRows(const cv::Mat& in, cv::Mat& out, int firstRow, ChannelOrder order,
-                const ScreenWalk& walk, const ScreenCell& cell)
+void ScreenRows(cv::Mat& grey, int firstRow, const ScreenWalk& walk, const ScreenCell& cell)
 {
     constexpr Value kFull = Value(~Value(0));
-    const bool grey = in.channels() == 1;
-    for (int y = 0; y < in.rows; ++y) {
+    for (int y = 0; y < grey.rows; ++y) {
         quint32 across = ScreenPlace((firstRow + y) * walk.sine);
         quint32 down = ScreenPlace((firstRow + y) * walk.cosine);
-        const Value* from = in.ptr<Value>(y);
-        Value* to = out.ptr<Value>(y);
-        for (int x = 0; x < in.cols; ++x) {
-            const quint16 least =
-                cell[(size_t(down >> kCellShift) * kCellSide) + (across >> kCellShift)];
-            if (grey) {
-                to[x] = from[x] >= least ? kFull : Value(0);
-            } else {
-                const quint32 value =
-                    Intensity(from[order.red], from[order.green], from[order.blue]);
-                to[0] = to[1] = to[2] = value >= least ? kFull : Value(0);
-                to[3] = from[3];
-                from += 4;
-                to += 4;
-            }
+        Value* value = grey.ptr<Value>(y);
+        for (int x = 0; x < grey.cols; ++x) {
+            const quint32 place = (down >> kCellShift) * kCellSide + (across >> kCellShift);
+            value[x] = value[x] >= cell[place] ? kFull : Value(0);
             across += walk.stepAcross;
             down += walk.stepDown;
         }
+    }
+}
+
+void ScreenBand(const cv::Mat& in, cv::Mat& out, int firstRow, ChannelOrder order,
+                const ScreenWalk& walk, const ScreenCell& cell)
+{
+    cv::Mat grey = out;
+    if (in.channels() == 1) {
+        in.copyTo(out);
+    } else {
+        grey = cv::Mat(in.size(), CV_MAKETYPE(in.depth(), 1));
+        GreyBand(in, grey, order);
+    }
+    if (in.depth() == CV_16U) {
+        ScreenRows<quint16>(grey, firstRow, walk, cell);
+    } else {
+        ScreenRows<uchar>(grey, firstRow, walk, cell);
+    }
+    if (in.channels() == 4) {
+        SpreadGrey(grey, in, out);
     }
 }
 
@@ -97,11 +105,7 @@ Bitmap Halftone(const Bitmap& picture, const Region* region, HalftoneType type, 
     const ChannelOrder order = OrderOf(from.Pixels());
     return WorkInBands(from, region, PixelForm::Full, FourthChannel::Written,
                        [&](const cv::Mat& in, cv::Mat& out, QPoint at) {
-                           if (deep) {
-                               ScreenRows<quint16>(in, out, at.y(), order, walk, cell);
-                           } else {
-                               ScreenRows<uchar>(in, out, at.y(), order, walk, cell);
-                           }
+                           ScreenBand(in, out, at.y(), order, walk, cell);
                        });
 }
 

@@ -1,12 +1,22 @@
 #include "imaging/processing/tone.h"
+#include "imaging/processing/pixels/colour_pixels.h"
 #include "imaging/processing/pixels/levels.h"
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <mutex>
 #include <numbers>
 
 namespace quillane::processing {
 
 namespace {
+
+/// All bits of three channels and none of the fourth.
+cv::Scalar ColoursOnly(const cv::Mat& pixels)
+{
+    const double most = pixels.depth() == CV_16U ? 65535 : 255;
+    return {most, most, most, 0};
+}
 
 double ToneValue(qint32 value)
 {
@@ -69,16 +79,93 @@ void RaiseColours(const cv::Mat& in, cv::Mat& out, ChannelOrder order,
     });
 }
 
-template <typename Value>
-void DetectColours(const cv::Mat& in, cv::Mat& out, ChannelOrder order, quint32 low, quint32 high)
+/// White where an intensity lies within the limits.
+void DetectBand(const cv::Mat& in, cv::Mat& out, ChannelOrder order, double low, double high)
 {
-    constexpr Value kFull = Value(~Value(0));
-    ForRows<Value>(in, out, [&](const Value* from, Value* to) {
-        for (int x = 0; x < in.cols; ++x, from += 4, to += 4) {
-            const quint32 value = Intensity(from[order.red], from[order.green], from[order.blue]);
-            to[0] = to[1] = to[2] = to[3] = value - low <= high - low ? kFull : Value(0);
+    cv::Mat grey(in.size(), CV_MAKETYPE(in.depth(), 1));
+    GreyBand(in, grey, order);
+    cv::Mat inside;
+    cv::inRange(grey, low, high, inside);
+    if (in.depth() == CV_16U) {
+        inside.convertTo(grey, CV_16U, 257);
+        SpreadGrey(grey, in, out);
+    } else {
+        SpreadGrey(inside, in, out);
+    }
+}
+
+/// The least and the largest value of the colours of a picture, or of a part of it.
+struct LevelRange {
+    int low = 65536;
+    int high = -1;
+};
+
+/// Values looked at side by side: the same channel comes round in each place.
+constexpr int kRangeStep = 16;
+
+template <typename Value> LevelRange RangeOfRows(const cv::Mat& in)
+{
+    std::array<Value, kRangeStep> low{};
+    low.fill(Value(~Value(0)));
+    std::array<Value, kRangeStep> high{};
+    const int values = in.cols * in.channels();
+    for (int y = 0; y < in.rows; ++y) {
+        const Value* from = in.ptr<Value>(y);
+        int at = 0;
+        for (; at + kRangeStep <= values; at += kRangeStep) {
+            for (int i = 0; i < kRangeStep; ++i) {
+                low[size_t(i)] = std::min(low[size_t(i)], from[at + i]);
+                high[size_t(i)] = std::max(high[size_t(i)], from[at + i]);
+            }
         }
+        for (; at < values; ++at) {
+            const size_t place = size_t(at % kRangeStep);
+            low[place] = std::min(low[place], from[at]);
+            high[place] = std::max(high[place], from[at]);
+        }
+    }
+    LevelRange range;
+    for (int i = 0; i < kRangeStep; ++i) {
+        if (in.channels() == 1 || i % 4 != 3) {
+            range.low = std::min(range.low, int(low[size_t(i)]));
+            range.high = std::max(range.high, int(high[size_t(i)]));
+        }
+    }
+    return range;
+}
+
+LevelRange RangeOf(const Bitmap& picture)
+{
+    LevelRange range;
+    std::mutex mutex;
+    CallLibrary([&] {
+        const cv::Mat in = ReadView(picture.Pixels());
+        ForBands(in.rows, BandRows(in), [&](int top, int bottom) {
+            const cv::Mat band = in.rowRange(top, bottom);
+            const LevelRange part =
+                in.depth() == CV_16U ? RangeOfRows<quint16>(band) : RangeOfRows<uchar>(band);
+            const std::lock_guard lock(mutex);
+            range.low = std::min(range.low, part.low);
+            range.high = std::max(range.high, part.high);
+        });
     });
+    return range;
+}
+
+/// The same of the pixels of a region.
+LevelRange RangeIn(const Bitmap& picture, const Region& region)
+{
+    LevelRange range;
+    const LevelCounts counts = CountLevels(picture, &region, CountedLevels::Channels);
+    for (const std::vector<qint64>& channel : counts.channels) {
+        for (int i = 0; i < int(channel.size()); ++i) {
+            if (channel[size_t(i)] > 0) {
+                range.low = std::min(range.low, i);
+                range.high = std::max(range.high, i);
+            }
+        }
+    }
+    return range;
 }
 
 } // namespace
@@ -112,7 +199,14 @@ Bitmap GammaCorrect(const Bitmap& picture, const Region* region, qint32 gamma)
 
 Bitmap Invert(const Bitmap& picture, const Region* region)
 {
-    return WithCurve(picture, region, [](double level) { return 1 - level; });
+    return WorkInBands(picture, region, PixelForm::Full, FourthChannel::Written,
+                       [](const cv::Mat& in, cv::Mat& out, QPoint) {
+                           if (in.channels() == 1) {
+                               cv::bitwise_not(in, out);
+                           } else {
+                               cv::bitwise_xor(in, ColoursOnly(in), out);
+                           }
+                       });
 }
 
 Bitmap Posterize(const Bitmap& picture, const Region* region, qint32 levels)
@@ -127,24 +221,14 @@ Bitmap StretchIntensity(const Bitmap& picture, const Region* region)
 {
     NeedPicture(picture);
     const Bitmap from = InForm(picture, PixelForm::Full);
-    const LevelCounts counts = CountLevels(from, region, CountedLevels::Channels);
-    const size_t levels = counts.channels[0].size();
-    size_t low = levels;
-    size_t high = 0;
-    for (const std::vector<qint64>& channel : counts.channels) {
-        for (size_t i = 0; i < levels; ++i) {
-            if (channel[i] > 0) {
-                low = std::min(low, i);
-                high = std::max(high, i);
-            }
-        }
-    }
-    if (low >= high) {
+    const LevelRange range = region ? RangeIn(from, *region) : RangeOf(from);
+    if (range.low >= range.high) {
         return WithCurve(from, region, [](double level) { return level; });
     }
-    const double most = double(levels - 1);
+    const bool deep = from.Pixels().depth() == 16 || from.Pixels().depth() == 64;
+    const double most = deep ? 65535 : 255;
     return WithCurve(from, region, [=](double level) {
-        return (level * most - double(low)) / double(high - low);
+        return (level * most - range.low) / (range.high - range.low);
     });
 }
 
@@ -187,12 +271,9 @@ Bitmap IntensityDetect(const Bitmap& picture, const Region* region, qint32 low, 
     const ChannelOrder order = OrderOf(from.Pixels());
     return WorkInBands(from, region, PixelForm::Full, FourthChannel::Kept,
                        [&](const cv::Mat& in, cv::Mat& out, QPoint) {
-                           if (in.depth() == CV_16U) {
-                               DetectColours<quint16>(in, out, order, quint32(least) * 257,
-                                                      quint32(most) * 257 + 256);
-                           } else {
-                               DetectColours<uchar>(in, out, order, quint32(least), quint32(most));
-                           }
+                           const bool deep = in.depth() == CV_16U;
+                           DetectBand(in, out, order, deep ? least * 257 : least,
+                                      deep ? most * 257 + 256 : most);
                        });
 }
 

@@ -1,27 +1,9 @@
 #include "imaging/processing/pixels/colour_pixels.h"
+#include <opencv2/imgproc.hpp>
 
 namespace quillane::processing {
 
 namespace {
-
-template <typename Value> void GreyRows(const cv::Mat& in, cv::Mat& out, ChannelOrder order)
-{
-    for (int y = 0; y < in.rows; ++y) {
-        const Value* from = in.ptr<Value>(y);
-        Value* to = out.ptr<Value>(y);
-        if (out.channels() == 4) {
-            for (int x = 0; x < in.cols; ++x, from += 4, to += 4) {
-                to[0] = to[1] = to[2] =
-                    Value(Intensity(from[order.red], from[order.green], from[order.blue]));
-                to[3] = from[3];
-            }
-            continue;
-        }
-        for (int x = 0; x < in.cols; ++x, from += 4) {
-            to[x] = Value(Intensity(from[order.red], from[order.green], from[order.blue]));
-        }
-    }
-}
 
 /// Pixels of four channels, the last alpha, laid on white.
 template <typename Value> void LayOnWhite(const cv::Mat& in, cv::Mat& out)
@@ -45,11 +27,20 @@ template <typename Value> void LayOnWhite(const cv::Mat& in, cv::Mat& out)
 
 void GreyBand(const cv::Mat& in, cv::Mat& out, ChannelOrder order)
 {
-    if (in.depth() == CV_16U) {
-        GreyRows<quint16>(in, out, order);
-    } else {
-        GreyRows<uchar>(in, out, order);
+    const bool redFirst = order.red < order.blue;
+    if (out.channels() == 1) {
+        cv::cvtColor(in, out, redFirst ? cv::COLOR_RGBA2GRAY : cv::COLOR_BGRA2GRAY);
+        return;
     }
+    cv::Mat grey;
+    cv::cvtColor(in, grey, redFirst ? cv::COLOR_RGBA2GRAY : cv::COLOR_BGRA2GRAY);
+    SpreadGrey(grey, in, out);
+}
+
+void SpreadGrey(const cv::Mat& grey, const cv::Mat& in, cv::Mat& out)
+{
+    cv::cvtColor(grey, out, cv::COLOR_GRAY2BGRA);
+    KeepFourthChannel(in, out);
 }
 
 Bitmap GreyOf(const Bitmap& picture)

@@ -14,6 +14,8 @@ Bitmap Opaque(const Bitmap& picture);
 
 /// The intensities of pixels of four channels, into one channel or into three of four.
 void GreyBand(const cv::Mat& in, cv::Mat& out, ChannelOrder order);
+/// One channel into the first three of four; the fourth from `in`.
+void SpreadGrey(const cv::Mat& grey, const cv::Mat& in, cv::Mat& out);
 
 /// The picture in form Full where a grey colour is to be written into it, else in form Colour.
 Bitmap InFormFor(const Bitmap& picture, QRgb colour);

@@ -1,4 +1,5 @@
 #include "imaging/processing/pixels/levels.h"
+#include "imaging/processing/pixels/colour_pixels.h"
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -67,39 +68,59 @@ using LevelBins = std::array<std::vector<quint32>, 3>;
 template <typename Value>
 void CountGrey(const cv::Mat& in, const cv::Mat& mask, std::vector<quint32>& bins)
 {
+    // Neighbours are often alike: counted in turns, one count need not wait for the other.
+    std::vector<quint32> others(bins.size(), 0);
     for (int y = 0; y < in.rows; ++y) {
         const Value* from = in.ptr<Value>(y);
-        const uchar* inside = mask.empty() ? nullptr : mask.ptr(y);
-        for (int x = 0; x < in.cols; ++x) {
-            if (!inside || inside[x]) {
-                ++bins[from[x]];
+        if (!mask.empty()) {
+            const uchar* inside = mask.ptr(y);
+            for (int x = 0; x < in.cols; ++x) {
+                bins[from[x]] += inside[x] ? 1 : 0;
             }
+            continue;
         }
+        int x = 0;
+        for (; x + 1 < in.cols; x += 2) {
+            ++bins[from[x]];
+            ++others[from[x + 1]];
+        }
+        if (x < in.cols) {
+            ++bins[from[x]];
+        }
+    }
+    for (size_t i = 0; i < bins.size(); ++i) {
+        bins[i] += others[i];
     }
 }
 
 template <typename Value>
-void CountColour(const cv::Mat& in, const cv::Mat& mask, ChannelOrder order, CountedLevels wanted,
-                 LevelBins& bins)
+void CountColour(const cv::Mat& in, const cv::Mat& mask, ChannelOrder order, LevelBins& bins)
 {
     for (int y = 0; y < in.rows; ++y) {
         const Value* from = in.ptr<Value>(y);
         const uchar* inside = mask.empty() ? nullptr : mask.ptr(y);
         for (int x = 0; x < in.cols; ++x, from += 4) {
-            if (inside && !inside[x]) {
-                continue;
-            }
-            const quint32 red = from[order.red];
-            const quint32 green = from[order.green];
-            const quint32 blue = from[order.blue];
-            if (wanted == CountedLevels::Intensity) {
-                ++bins[0][Intensity(red, green, blue)];
-            } else {
-                ++bins[0][red];
-                ++bins[1][green];
-                ++bins[2][blue];
+            if (!inside || inside[x]) {
+                ++bins[0][from[order.red]];
+                ++bins[1][from[order.green]];
+                ++bins[2][from[order.blue]];
             }
         }
+    }
+}
+
+/// The intensities of some rows at a time, counted while they are in the cache.
+template <typename Value>
+void CountIntensity(const cv::Mat& in, const cv::Mat& mask, ChannelOrder order,
+                    std::vector<quint32>& bins)
+{
+    const int rows = BandRows(in);
+    cv::Mat grey(std::min(rows, in.rows), in.cols, CV_MAKETYPE(in.depth(), 1));
+    for (int top = 0; top < in.rows; top += rows) {
+        const int bottom = std::min(top + rows, in.rows);
+        cv::Mat band = grey.rowRange(0, bottom - top);
+        GreyBand(in.rowRange(top, bottom), band, order);
+        CountGrey<Value>(band, mask.empty() ? mask : mask.rowRange(top, bottom), bins);
     }
 }
 
@@ -166,14 +187,17 @@ LevelCounts CountLevels(const Bitmap& picture, const Region* region, CountedLeve
                 }
                 const cv::Mat band = in.rowRange(top, bottom);
                 const cv::Mat inside = mask.empty() ? mask : mask.rowRange(top, bottom);
-                if (grey && levels == 256) {
-                    CountGrey<uchar>(band, inside, bins[0]);
-                } else if (grey) {
-                    CountGrey<quint16>(band, inside, bins[0]);
-                } else if (levels == 256) {
-                    CountColour<uchar>(band, inside, OrderOf(pixels), wanted, bins);
+                const bool deep = levels != 256;
+                const ChannelOrder order = OrderOf(pixels);
+                if (grey) {
+                    deep ? CountGrey<quint16>(band, inside, bins[0])
+                         : CountGrey<uchar>(band, inside, bins[0]);
+                } else if (kinds == 1) {
+                    deep ? CountIntensity<quint16>(band, inside, order, bins[0])
+                         : CountIntensity<uchar>(band, inside, order, bins[0]);
                 } else {
-                    CountColour<quint16>(band, inside, OrderOf(pixels), wanted, bins);
+                    deep ? CountColour<quint16>(band, inside, order, bins)
+                         : CountColour<uchar>(band, inside, order, bins);
                 }
                 const std::lock_guard lock(mutex);
                 for (size_t i = 0; i < kinds; ++i) {
