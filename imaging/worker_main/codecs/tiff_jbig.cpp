@@ -32,9 +32,7 @@ void CheckTiffJbig(TiffFile& file, const TiffTags& tags)
         const auto layers = head[1], planes = head[2];
         const auto width = qFromBigEndian<quint32>(&head[4]);
         const auto height = qFromBigEndian<quint32>(&head[8]);
-        const auto stripe = qFromBigEndian<quint32>(&head[12]);
-        if (layers != 0 || planes != 1 || width != tags.width || height > tags.height
-            || stripe > tags.height) {
+        if (layers != 0 || planes != 1 || width != tags.width || height > tags.height) {
             ThrowTiffDamaged();
         }
     }
