@@ -1,11 +1,13 @@
 #include "imaging/saving/save_content.h"
 #include "core/failure.h"
 #include "imaging/carry/carry.h"
+#include "imaging/comments/slots.h"
 #include "imaging/format_table.h"
 #include "imaging/limits.h"
 #include "imaging/saving/stamp.h"
 #include "imaging/thumbs/exif_preview.h"
 #include "imaging/worker/worker_host.h"
+#include <functional>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -84,10 +86,21 @@ QByteArray PreviewFor(const SaveJob& job, const SavePlan& plan, bool& keep)
     return renewed;
 }
 
+/// What a DICOM file has elements for among the comments that differ; it drops the others.
+std::vector<CommentChange> DicomChanges(const CommentSet& before, const CommentSet& wanted)
+{
+    std::vector<CommentChange> changes = CommentChanges(before, wanted);
+    std::erase_if(changes, [](const CommentChange& change) {
+        const CommentSlot* slot = FindSlot(change.slot);
+        return change.slot != kDescriptionSlot && (!slot || slot->home != SlotHome::Dicom);
+    });
+    return changes;
+}
+
 /// A DICOM file goes through its library as a whole, so its elements are set in a file.
 QByteArray WithDicomComments(const QByteArray& encoded, const SaveJob& job, const SavePlan& plan)
 {
-    const std::vector<CommentChange> changes = CommentChanges({}, job.comments);
+    const std::vector<CommentChange> changes = DicomChanges({}, job.comments);
     if (changes.empty()) {
         return encoded;
     }
@@ -110,13 +123,28 @@ QByteArray WithDicomComments(const QByteArray& encoded, const SaveJob& job, cons
 QByteArray RewrittenDicom(const SaveJob& job, const SavePlan& plan, const CommentSet& before)
 {
     return worker::Rewrite(*job.loaded->source, plan.pixelsStay ? Bitmap() : job.picture,
-                           job.request, CommentChanges(before, job.comments), plan.variant->codec);
+                           job.request, DicomChanges(before, job.comments), plan.variant->codec);
+}
+
+/// Takes a step that carries over what is in the loaded file. Where only a part of that could be
+/// read, its pixels are saved even so, under another name: false when the step failed.
+bool UnlessDamaged(const SaveJob& job, const std::function<void()>& step)
+{
+    if (job.picture.IsPartial()) {
+        return ResumeNext(step);
+    }
+    step();
+    return true;
 }
 
 QByteArray EncodedAnew(const SaveJob& job, const SavePlan& plan, const CommentSet& before)
 {
     if (plan.variant->carrier == CommentCarrier::Dicom && job.loaded && plan.sameCodec) {
-        return RewrittenDicom(job, plan, before);
+        QByteArray file;
+        const auto rewrite = [&] { file = RewrittenDicom(job, plan, before); };
+        if (UnlessDamaged(job, rewrite)) {
+            return file;
+        }
     }
     EncodeRequest request = job.request;
     CarryPlan carry;
@@ -157,7 +185,14 @@ QByteArray EncodedAnew(const SaveJob& job, const SavePlan& plan, const CommentSe
                       QStringLiteral("Comments cannot be written into files of the format \"%1\".")
                           .arg(FormatDescription(request.format)));
     }
-    return carrier->carry(encoded, carry);
+    QByteArray file;
+    if (!UnlessDamaged(job, [&] { file = carrier->carry(encoded, carry); })) {
+        carry.original = nullptr;
+        carry.before = nullptr;
+        carry.keepPreview = false;
+        file = carrier->carry(encoded, carry);
+    }
+    return file;
 }
 
 } // namespace

@@ -373,6 +373,57 @@ TEST_F(SaveTest, APictureTurnedForTheEyeIsSavedUpright)
     EXPECT_GT(turned, 0) << "no sample picture lies on its side";
 }
 
+TEST_F(SaveTest, ABmpOfACamerasJpegIsWrittenAndDropsWhatItCannotHold)
+{
+    const QString file = Copy(QStringLiteral("AST_0101.JPG"));
+    EngineInstance lead;
+    lead.Load(file, 0, 0);
+    lead.SetMethodErrors(false);
+    CopyComments(lead, file);
+    lead.SetComment(kDescriptionSlot, QStringLiteral("City=Rome\r\n"));
+    lead.SetMethodErrors(true);
+    int pending = 0;
+    for (qint16 slot = kFirstSlot; slot <= kLastSlot; ++slot) {
+        pending += lead.Comment(slot).IsEmpty() ? 0 : 1;
+    }
+    EXPECT_GT(pending, 20);
+    const QString bmp = mFolder.filePath(QStringLiteral("a.bmp"));
+    EXPECT_EQ(lead.Save(bmp, 6, 24, 2, kSaveReplace), 0);
+    const LoadedImage written = LoadFile(bmp);
+    EXPECT_EQ(written.facts.format, 6);
+    EXPECT_EQ(written.bitmap.Pixels(), lead.Bitmap().Pixels());
+    EXPECT_EQ(ReadComments(bmp), CommentSet());
+    // What was not written stays pending for a format that holds it.
+    const QString tif = mFolder.filePath(QStringLiteral("a.tif"));
+    EXPECT_EQ(lead.Save(tif, 96, 24, 2, kSaveReplace), 0);
+    const CommentSet held = ReadComments(tif);
+    for (qint16 slot = kFirstSlot; slot <= kLastSlot; ++slot) {
+        const CommentSlot* field = FindSlot(slot);
+        const bool camera = field
+            && (field->home == SlotHome::TiffDirectory || field->home == SlotHome::ExifDirectory
+                || field->home == SlotHome::GpsDirectory);
+        if (camera) {
+            EXPECT_EQ(held.At(slot), lead.Comment(slot)) << slot;
+        }
+    }
+}
+
+TEST_F(SaveTest, APngIsTheSameWhateverTheQuality)
+{
+    const QString file = Copy(QStringLiteral("petals.png"));
+    EngineInstance lead;
+    lead.Load(file, 0, 0);
+    lead.Invert();
+    QByteArray first;
+    for (const qint32 quality : {2, 90, 255}) {
+        const QString other = mFolder.filePath(QStringLiteral("q%1.png").arg(quality));
+        EXPECT_EQ(lead.Save(other, 75, lead.InfoBits(), quality, kSaveReplace), 0);
+        EXPECT_EQ(LoadFile(other).bitmap.Pixels(), lead.Bitmap().Pixels());
+        first = first.isNull() ? Bytes(other) : first;
+        EXPECT_EQ(Bytes(other), first);
+    }
+}
+
 TEST_F(SaveTest, AcrossFormatsTheTextGoesAlong)
 {
     const QString file = Copy(QStringLiteral("AST_0101.JPG"));
@@ -381,7 +432,8 @@ TEST_F(SaveTest, AcrossFormatsTheTextGoesAlong)
         const char* name;
         qint16 format;
     };
-    for (const Target& target : {Target{"a.png", 75}, {"a.tif", 3}, {"b.tif", 96}, {"b.jpg", 10}}) {
+    for (const Target& target :
+         {Target{"a.png", 75}, {"a.tif", 3}, {"b.tif", 96}, {"b.jpg", 10}, {"a.dic", 90}}) {
         EngineInstance lead;
         lead.Load(file, 0, 0);
         CopyComments(lead, file);
