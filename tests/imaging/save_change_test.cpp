@@ -36,12 +36,14 @@ const std::vector<Meddling>& Meddlings()
     static const std::vector<Meddling> kAll = {
         {"touched", [](const FaultPlace& p) { SetModified(p.Bytes(p.Name()), 1'000'000'000); },
          kFailureIo},
-        {"longer", [](const FaultPlace& p) { p.Write(p.Name(), p.Bytes() + "more"); }, kFailureIo},
-        {"cut", [](const FaultPlace& p) { p.Write(p.Name(), p.Bytes().left(100)); }, kFailureIo},
+        {"longer", [](const FaultPlace& p) { p.Write(p.Name(), p.FileBytes() + "more"); },
+         kFailureIo},
+        {"cut", [](const FaultPlace& p) { p.Write(p.Name(), p.FileBytes().left(100)); },
+         kFailureIo},
         {"emptied", [](const FaultPlace& p) { p.Write(p.Name(), {}); }, kFailureIo},
         {"of the same length",
          [](const FaultPlace& p) {
-             p.Write(p.Name(), QByteArray(p.Bytes().size(), 'x'));
+             p.Write(p.Name(), QByteArray(p.FileBytes().size(), 'x'));
              SetModified(p.Bytes(p.Name()), 1'000'000'001); // clocks of disks tick slowly
          },
          kFailureIo},
@@ -50,7 +52,7 @@ const std::vector<Meddling>& Meddlings()
         {"replaced by its like, of the same time",
          [](const FaultPlace& p) {
              const FileStat before = StatPath(p.File());
-             ReplaceByRename(p, p.Bytes());
+             ReplaceByRename(p, p.FileBytes());
              const timespec times[2] = {{0, UTIME_OMIT},
                                         {before.modifiedSeconds, before.modifiedNanos}};
              ASSERT_EQ(utimensat(AT_FDCWD, p.Bytes(p.Name()).constData(), times, 0), 0);
@@ -69,7 +71,7 @@ TEST_P(SaveChangeEach, WhatSomebodyElseMadeOfTheFileStays)
         ChangedPicture picture(kind, place.File());
         const QSize shape = picture.lead.Bitmap().Pixels().size();
         meddling.meddle(place);
-        const QByteArray theirs = place.Bytes();
+        const QByteArray theirs = place.FileBytes();
         const FileStat before = StatPath(place.File());
         QString words;
         EXPECT_EQ(picture.Save(words), meddling.failure);
@@ -78,7 +80,7 @@ TEST_P(SaveChangeEach, WhatSomebodyElseMadeOfTheFileStays)
                                  "loaded. Load it again, or save under another name.")
                       .arg(QString::fromUtf8(place.Name())));
         ExpectHelpful(words, place.Name());
-        EXPECT_EQ(place.Bytes(), theirs);
+        EXPECT_EQ(place.FileBytes(), theirs);
         EXPECT_TRUE(SameFileState(StatPath(place.File()), before));
         ExpectAlone(place, {QString::fromUtf8(place.Name())});
         if (QByteArray(meddling.what).startsWith("replaced")) {
@@ -102,7 +104,7 @@ TEST_P(SaveChangeEach, AFileThatChangesWhileItsSaveIsOnTheWayStays)
             const SaveProbeScope scope([&](SaveStep step, qint64&) {
                 if (step == SaveStep::Write && theirs.isNull()) {
                     meddling.meddle(place);
-                    theirs = place.Bytes();
+                    theirs = place.FileBytes();
                     theirs.detach();
                 }
                 return 0;
@@ -112,7 +114,7 @@ TEST_P(SaveChangeEach, AFileThatChangesWhileItsSaveIsOnTheWayStays)
         ExpectHelpful(words, place.Name());
         EXPECT_TRUE(words.contains(QStringLiteral("has been changed by another program")))
             << words.toStdString();
-        EXPECT_EQ(place.Bytes(), theirs);
+        EXPECT_EQ(place.FileBytes(), theirs);
         ExpectAlone(place, {QString::fromUtf8(place.Name())});
     }
 }
@@ -160,7 +162,7 @@ TEST_P(SaveChangeEach, AFolderThatIsGoneOrTakesNothingIsTold)
     const FaultPlace place(kind);
     place.MakeFolder("shut");
     const QByteArray inside = QByteArray("shut/") + place.Name();
-    place.Write(inside, place.Bytes());
+    place.Write(inside, place.FileBytes());
     ChangedPicture picture(kind, place.Path(inside));
     const QByteArray old = place.Whole(inside);
     QString words;

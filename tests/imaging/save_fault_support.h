@@ -45,8 +45,7 @@ public:
     }
     const QByteArray& Name() const { return mName; }
     QString File() const { return Path(mName); }
-    QByteArray Bytes() const { return Whole(mName); }
-    using SavePlace::Bytes;
+    QByteArray FileBytes() const { return Whole(mName); }
 
 private:
     QByteArray mName;

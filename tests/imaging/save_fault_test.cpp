@@ -70,7 +70,7 @@ TEST_P(SaveFaultEach, AfterHoweverManyBytesTheDeviceFailsTheOldFileStandsAndTheW
     const FaultKind& kind = GetParam();
     const qint64 size = MeasureSave(kind, false).bytes;
     const FaultPlace place(kind);
-    const QByteArray old = place.Bytes();
+    const QByteArray old = place.FileBytes();
     const FileStat before = StatPath(place.File());
     ChangedPicture picture(kind, place.File());
     const QSize shape = picture.lead.Bitmap().Pixels().size();
@@ -92,7 +92,7 @@ TEST_P(SaveFaultEach, AfterHoweverManyBytesTheDeviceFailsTheOldFileStandsAndTheW
                       QStringLiteral("Cannot write \"%1\": %2")
                           .arg(QString::fromUtf8(place.Name()), QLatin1String(one.words)));
             ExpectHelpful(words, place.Name());
-            EXPECT_EQ(place.Bytes(), old);
+            EXPECT_EQ(place.FileBytes(), old);
             EXPECT_TRUE(SameFileState(StatPath(place.File()), before));
             ExpectAlone(place, {QString::fromUtf8(place.Name())});
         }
@@ -121,7 +121,7 @@ TEST_P(SaveFaultEach, WhicheverStepFailsTheOldFileOrTheNewOneStandsWhole)
                     place.HardLink(place.Name(), "second");
                     names.append(QStringLiteral("second"));
                 }
-                const QByteArray old = place.Bytes();
+                const QByteArray old = place.FileBytes();
                 ChangedPicture picture(kind, place.File());
                 const QSize shape = picture.lead.Bitmap().Pixels().size();
                 qint32 failure = 0;
@@ -141,12 +141,12 @@ TEST_P(SaveFaultEach, WhicheverStepFailsTheOldFileOrTheNewOneStandsWhole)
                     EXPECT_TRUE(words.contains(QString::fromUtf8(place.Name())));
                 }
                 if (failure != 0 && done.finished == 0) {
-                    EXPECT_EQ(place.Bytes(), old);
+                    EXPECT_EQ(place.FileBytes(), old);
                 } else {
                     ExpectSaved(kind, place.File(), shape);
                 }
                 if (linked) {
-                    EXPECT_EQ(place.Whole("second"), place.Bytes());
+                    EXPECT_EQ(place.Whole("second"), place.FileBytes());
                     EXPECT_EQ(place.LinkCount(place.Name()), 2u);
                 }
             }
@@ -162,7 +162,7 @@ TEST_P(SaveFaultEach, WithoutTheLastByteOfASaveOverAFileOfTwoNamesBothAreAsTheyW
         SCOPED_TRACE(testing::Message() << room << " of " << size << " bytes");
         const FaultPlace place(kind);
         place.HardLink(place.Name(), "second");
-        const QByteArray old = place.Bytes();
+        const QByteArray old = place.FileBytes();
         ChangedPicture picture(kind, place.File());
         {
             const SaveProbeScope scope(FaultDevice(room, ENOSPC));
@@ -172,7 +172,7 @@ TEST_P(SaveFaultEach, WithoutTheLastByteOfASaveOverAFileOfTwoNamesBothAreAsTheyW
             EXPECT_TRUE(words.contains(QString::fromUtf8(place.Name())));
         }
         CleanUpAfterCrash(); // on a disk that has room again
-        EXPECT_EQ(place.Bytes(), old);
+        EXPECT_EQ(place.FileBytes(), old);
         EXPECT_EQ(place.Whole("second"), old);
         EXPECT_EQ(place.LinkCount(place.Name()), 2u);
         ExpectAlone(place, {QString::fromUtf8(place.Name()), QStringLiteral("second")});
@@ -236,7 +236,7 @@ TEST(SaveFault, TheSystemsOwnLimitOfAFilesSizeIsADeviceThatFails)
         SCOPED_TRACE(kind.sample);
         const qint64 size = MeasureSave(kind, false).bytes;
         const FaultPlace place(kind);
-        const QByteArray old = place.Bytes();
+        const QByteArray old = place.FileBytes();
         ChangedPicture picture(kind, place.File());
         for (const qint64 room : {qint64(1), qint64(1000), size - 1}) {
             QString words;
@@ -249,7 +249,7 @@ TEST(SaveFault, TheSystemsOwnLimitOfAFilesSizeIsADeviceThatFails)
             EXPECT_TRUE(words.contains(QStringLiteral("takes no file of that size")))
                 << words.toStdString();
             ExpectHelpful(words, place.Name());
-            EXPECT_EQ(place.Bytes(), old);
+            EXPECT_EQ(place.FileBytes(), old);
             ExpectAlone(place, {QString::fromUtf8(place.Name())});
         }
     }

@@ -147,7 +147,7 @@ TEST(SaveKill, AtRandomMomentsOfWholeSavesAndTagWrites)
                      << (tags ? " tags " : " picture ") << way << (linked ? " linked" : ""));
         const FaultPlace place(kind);
         const TempFolder apart(QuickFolder());
-        apart.Write(place.Name(), place.Bytes());
+        apart.Write(place.Name(), place.FileBytes());
         const LoadedImage old = LoadFile(apart.Path(place.Name()));
         QStringList names{QString::fromUtf8(place.Name())};
         if (linked) {
@@ -172,7 +172,7 @@ TEST(SaveKill, AtRandomMomentsOfWholeSavesAndTagWrites)
         EXPECT_GE(round, 0);
         renewed += round > 0 ? 1 : 0;
         if (linked) {
-            EXPECT_EQ(place.Whole("second"), place.Bytes());
+            EXPECT_EQ(place.Whole("second"), place.FileBytes());
             EXPECT_EQ(place.LinkCount(place.Name()), 2u);
         }
     }
