@@ -15,6 +15,8 @@ constexpr char kFactsOwnReader[] = "own reader";
 constexpr char kFactsOwnPlayer[] = "own player, drawn by Qt's painter";
 constexpr char kFactsThroughTiff[] = "libtiff, in a TIFF made around the codes";
 constexpr char kFactsAsDrawn[] = "Drawn at its own size, or at the one that is asked for.";
+constexpr char kFactsClips[] = "FFmpeg's libraries, loaded when they are needed";
+constexpr char kFactsFirstFrame[] = "The first frame. Shown, and never written over.";
 constexpr char kFactsNoDescription[] = "the format is not publicly described";
 
 constexpr ReadFacts kReadFacts[] = {
@@ -63,6 +65,11 @@ constexpr ReadFacts kReadFacts[] = {
     {"FAX",        kFactsThroughTiff, "1", kFactsOne, "Pages of CCITT Group 3 or 4 without any header; told by their name."},
     {"RAW",        kFactsOwnReader, "8, 24, 32", kFactsOne,
      "Samples without any header; the size stands in the name (photo_640x480.raw), or the picture is a square."},
+    {"FlashPix",   kFactsOwnReader, "8, 24, 32", kFactsOne, "Of its resolutions the smallest that is large enough."},
+    {"EPS",        "Ghostscript, in a process of its own", "24", kFactsFirst, "Without Ghostscript the preview in the file, where it has one."},
+    {"MOV",        kFactsClips, "24", kFactsFirst, kFactsFirstFrame},
+    {"AVI",        kFactsClips, "24", kFactsFirst, kFactsFirstFrame},
+    {"MPEG",       kFactsClips, "24", kFactsFirst, kFactsFirstFrame},
 };
 
 constexpr WriteFacts kWriteFacts[] = {
@@ -126,6 +133,7 @@ constexpr WriteFacts kWriteFacts[] = {
     {153, "uncompressed"},
     {163, "JPEG 2000, in boxes; with quality 2 lossless"},
     {164, "JPEG 2000, the bare stream; with quality 2 lossless"},
+    {166, "JPEG 2000; with quality 2 lossless"},
 };
 
 constexpr char kFactsOnlyRead[] = "it is only read";
@@ -184,17 +192,11 @@ constexpr WriteRefusal kWriteRefusals[] = {
     {140, kFactsNoLines},
     {142, kFactsOnlyRead},
     {143, kFactsOnlyRead},
-    {166, "the compression has no place in the library that writes TIFF"},
     {243, kFactsClip},
     {246, kFactsClip},
 };
 
 constexpr ReadRefusal kReadRefusals[] = {
-    {"AVI", "no reader of clips is part of the program"},
-    {"EPS", "no reader of PostScript is part of the program"},
-    {"FPX", "no reader of FlashPix is part of the program"},
-    {"MOV", "no reader of clips is part of the program"},
-    {"MPG", "no reader of clips is part of the program"},
     {"PCT", "no reader of QuickDraw pictures is part of the program"},
 };
 // clang-format on

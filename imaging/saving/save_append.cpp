@@ -100,7 +100,7 @@ std::shared_ptr<const LoadedFile> AppendPicture(const SaveJob& job, const SavePl
     auto source = std::make_shared<FileSource>(job.path);
     const ImageFacts facts = ProbeSource(*source, job.path);
     return std::make_shared<LoadedFile>(job.path, std::move(source), job.loaded->codec, facts,
-                                        job.loaded->pixels);
+                                        job.loaded->pixels, job.loaded->exact);
 }
 
 } // namespace quillane

@@ -219,7 +219,9 @@ QString FormatsPage()
     page += QStringLiteral(
         "\n## Writing\n\n"
         "By format code. Quality counts only for lossy formats: 2 is the best, 255 the smallest "
-        "file.\nBits are those per pixel. A stamp is an embedded preview.\n\n");
+        "file.\nBits are those per pixel. A stamp is an embedded preview. A save that appends adds "
+        "a "
+        "page to a TIFF\nthat is there; no other file takes one.\n\n");
     page += Head({QStringLiteral("Code"), QStringLiteral("Format"), QStringLiteral("Extension"),
                   QStringLiteral("Writer"), QStringLiteral("Colours"), QStringLiteral("Packing"),
                   QStringLiteral("Bits"), QStringLiteral("Lossy"), QStringLiteral("Stamp"),
