@@ -89,6 +89,20 @@ ImageFacts ClpProbe(ByteSource& source);
 /// Codec::decode of the same.
 Bitmap ClpDecode(ByteSource& source, const DecodeRequest& request);
 
+/// Codec::matches of WordPerfect graphics: the first bitmap in them.
+bool WpgMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts WpgProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap WpgDecode(ByteSource& source, const DecodeRequest& request);
+
+/// Codec::matches of QuickDraw pictures; told by their name.
+bool PictMatches(QByteArrayView head, QStringView extension);
+/// Codec::probe of the same.
+ImageFacts PictProbe(ByteSource& source);
+/// Codec::decode of the same.
+Bitmap PictDecode(ByteSource& source, const DecodeRequest& request);
+
 /// Codec::matches of bare fax pages; told by their name.
 bool FaxMatches(QByteArrayView head, QStringView extension);
 /// Codec::matches of CALS rasters: a record of their header.

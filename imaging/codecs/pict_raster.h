@@ -1,0 +1,28 @@
+#pragma once
+#include "imaging/codec.h"
+#include "imaging/codecs/pict_reader.h"
+
+namespace quillane::codecs {
+
+inline constexpr char kPictName[] = "QuickDraw picture";
+
+/// A bitmap in a QuickDraw picture.
+struct PictRaster {
+    QImage image;
+    int bits = 0;  ///< of a pixel in the file
+    QRectF bounds; ///< coordinates of the whole bitmap
+    QRectF source; ///< the part that is shown, in the same coordinates
+    QRectF target; ///< where
+    int mode = 0;  ///< transfer mode
+    bool partial = false;
+};
+
+/// Reads the bitmap of one of the operations 0x90 to 0x9b. `ink` and `paper` colour one without
+/// colours of its own. Failure when it makes no sense or is larger than the limits.
+PictRaster ReadPictRaster(PictReader& reader, int operation, QRgb ink, QRgb paper,
+                          const DecodeRequest& request);
+/// The picture that a codec of movies left in the operation 0x8200, whose bytes these are; a null
+/// image when it is of a kind that is not read.
+PictRaster ReadPictCompressed(QByteArrayView bytes, const DecodeRequest& request);
+
+} // namespace quillane::codecs
