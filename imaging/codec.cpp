@@ -2,6 +2,7 @@
 #include "imaging/codecs/codecs.h"
 #include "imaging/codecs/encoders.h"
 #include "imaging/codecs/legacy_codecs.h"
+#include "imaging/codecs/legacy_encoders.h"
 
 namespace quillane {
 
@@ -41,9 +42,10 @@ constexpr Codec kCodecTable[] = {
     {"IFF", "IFF LBM ILBM", codecs::IffMatches, codecs::IffProbe, codecs::IffDecode, false,
      codecs::IffEncode},
     {"Sun raster", "RAS SUN IM1 IM8 IM24", codecs::SunMatches, codecs::SunProbe, codecs::SunDecode,
-     false},
-    {"SGI", "SGI RGB BW RGBA", codecs::SgiMatches, codecs::SgiProbe, codecs::SgiDecode, false},
-    {"CALS", "CAL CALS", codecs::CalsMatches, nullptr, nullptr, true},
+     false, codecs::SunEncode},
+    {"SGI", "SGI RGB BW RGBA", codecs::SgiMatches, codecs::SgiProbe, codecs::SgiDecode, false,
+     codecs::SgiEncode},
+    {"CALS", "CAL CALS", codecs::CalsMatches, nullptr, nullptr, true, codecs::CalsEncode},
     {"IOCA", "ICA IOCA", codecs::IocaMatches, nullptr, nullptr, true},
     {"Intergraph", "ITG CIT RLE", codecs::ItgMatches, nullptr, nullptr, true},
     {"CLP", "CLP", codecs::ClpMatches, codecs::ClpProbe, codecs::ClpDecode, false,
@@ -52,13 +54,15 @@ constexpr Codec kCodecTable[] = {
      codecs::WpgEncode},
     {"MSP", "MSP", codecs::MspMatches, codecs::MspProbe, codecs::MspDecode, false,
      codecs::MspEncode},
-    {"PCX", "PCX", codecs::PcxMatches, codecs::PcxProbe, codecs::PcxDecode, false},
+    {"PCX", "PCX", codecs::PcxMatches, codecs::PcxProbe, codecs::PcxDecode, false,
+     codecs::PcxEncode},
     {"MacPaint", "MAC PNTG", codecs::MacMatches, codecs::MacProbe, codecs::MacDecode, false,
      codecs::MacEncode},
     {"GEM image", "IMG", codecs::GemMatches, codecs::GemProbe, codecs::GemDecode, false},
-    {"PICT", "PCT PICT PIC", codecs::PictMatches, codecs::PictProbe, codecs::PictDecode, false},
+    {"PICT", "PCT PICT PIC", codecs::PictMatches, codecs::PictProbe, codecs::PictDecode, false,
+     codecs::PictEncode},
     {"TARGA", "TGA ICB VDA VST TARGA", codecs::TgaMatches, codecs::TgaProbe, codecs::TgaDecode,
-     false},
+     false, codecs::TgaEncode},
     {"Dr. Halo", "CUT", codecs::CutMatches, codecs::CutProbe, codecs::CutDecode, false},
     {"CMP", "CMP", codecs::CmpMatches, codecs::CmpProbe, codecs::CmpDecode, false},
     {"AWD", "AWD", codecs::AwdMatches, codecs::AwdProbe, codecs::AwdDecode, false},
@@ -66,6 +70,7 @@ constexpr Codec kCodecTable[] = {
     {"DWF", "DWF", codecs::DwfMatches, codecs::DwfProbe, codecs::DwfDecode, false},
     {"XBM", "XBM", codecs::NoFileMatches, nullptr, nullptr, false, codecs::XbmEncode},
     {"XPM", "XPM", codecs::NoFileMatches, nullptr, nullptr, false, codecs::XpmEncode},
+    {"EPS", "EPS", codecs::NoFileMatches, nullptr, nullptr, false, codecs::EpsEncode},
     {"PDF", "PDF", codecs::NoFileMatches, nullptr, nullptr, false, codecs::PdfEncode},
     {"FAX", "FAX G3 G4", codecs::FaxMatches, nullptr, nullptr, true, codecs::FaxEncode},
     {"RAW", "RAW", codecs::RawMatches, codecs::RawProbe, codecs::RawDecode, false,

@@ -45,8 +45,12 @@ ImageFacts PictProbe(ByteSource& source)
     facts.height = qint32(page.frame.height());
     facts.bits = qint16(page.alone ? page.bits : 24);
     facts.format = kPictFormat;
-    facts.xResolution = qint32(std::lround(page.dotsPerInch));
-    facts.yResolution = facts.xResolution;
+    // A bitmap that is all there is tells its own resolution, else the page's units do.
+    const auto dots = [&](double own) {
+        return qint32(std::lround(page.alone && own >= 1 ? own : page.dotsPerInch));
+    };
+    facts.xResolution = dots(page.alone ? page.alone->xDots : 0);
+    facts.yResolution = dots(page.alone ? page.alone->yDots : 0);
     facts.compression = QStringLiteral("PackBits");
     return facts;
 }

@@ -54,7 +54,10 @@ PictMap PictReadMap(PictReader& reader, bool direct, PictRaster& raster)
     }
     reader.Skip(2);
     map.packing = reader.U16();
-    reader.Skip(4 + 4 + 4 + 2);
+    reader.Skip(4);
+    raster.xDots = reader.Fixed();
+    raster.yDots = reader.Fixed();
+    reader.Skip(2);
     map.bits = reader.U16();
     map.channels = reader.U16();
     reader.Skip(2 + 4 + 4 + 4);
@@ -154,7 +157,7 @@ void PictPutDirect(const uchar* row, const PictMap& map, const PictRows& rows, i
     for (int x = 0; x < width; ++x) {
         if (map.bits == 16) {
             const int value = Big16(row + 2 * x);
-            const auto level = [](int five) { return (five & 31) * 255 / 31; };
+            const auto level = [](int five) { return ((five & 31) * 255 + 15) / 31; };
             to[x] = qRgb(level(value >> 10), level(value >> 5), level(value));
         } else if (rows.IsPlanar()) {
             const uchar* p = row + x + qint64(alpha) * width;
@@ -198,7 +201,7 @@ PictRaster ReadPictRaster(PictReader& reader, int operation, QRgb ink, QRgb pape
     if (qint64(width) * height / 8 / 128 > reader.Left() + 4096) {
         Damaged(kPictName, QStringLiteral("it ends before its first row"));
     }
-    raster.bits = map.bits;
+    raster.bits = map.bits == 32 && map.channels == 3 ? 24 : map.bits;
     if (direct) {
         raster.image = NewImage(kPictName, width, height, QImage::Format_RGB32);
     } else {

@@ -9,11 +9,13 @@ inline constexpr char kPictName[] = "QuickDraw picture";
 /// A bitmap in a QuickDraw picture.
 struct PictRaster {
     QImage image;
-    int bits = 0;  ///< of a pixel in the file
-    QRectF bounds; ///< coordinates of the whole bitmap
-    QRectF source; ///< the part that is shown, in the same coordinates
-    QRectF target; ///< where
-    int mode = 0;  ///< transfer mode
+    int bits = 0;     ///< of a pixel in the file
+    QRectF bounds;    ///< coordinates of the whole bitmap
+    QRectF source;    ///< the part that is shown, in the same coordinates
+    QRectF target;    ///< where
+    int mode = 0;     ///< transfer mode
+    double xDots = 0; ///< per inch; 0 unknown
+    double yDots = 0;
     bool partial = false;
 };
 

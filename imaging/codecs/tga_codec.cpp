@@ -93,7 +93,7 @@ QRgb TgaColour(const uchar* p, int depth, bool alpha)
 {
     if (depth <= 16) {
         const int value = Little16(p);
-        const auto level = [](int five) { return (five & 31) * 255 / 31; };
+        const auto level = [](int five) { return ((five & 31) * 255 + 15) / 31; };
         return qRgb(level(value >> 10), level(value >> 5), level(value));
     }
     return qRgba(p[2], p[1], p[0], alpha && depth == 32 ? p[3] : 255);

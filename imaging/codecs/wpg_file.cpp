@@ -11,10 +11,10 @@ namespace {
 constexpr int kWpgHeaderBytes = 16;
 constexpr int kWpgMostRecords = 200'000;
 
-enum WpgRecord : int {
-    kWpgBitmap = 0x0b,
-    kWpgColours = 0x0e,
-    kWpgPlacedBitmap = 0x14,
+enum WpgRead : int {
+    kWpgReadBitmap = 0x0b,
+    kWpgReadColours = 0x0e,
+    kWpgReadPlaced = 0x14,
     kWpg2Colours = 0x0c,
     kWpg2Pixels = 0x0e,
 };
@@ -106,10 +106,10 @@ void WpgWalkFirst(ByteSource& source, qint64 at, QList<WpgBitmap>& found)
         if (length < 0) {
             return;
         }
-        if (kind == kWpgColours) {
+        if (kind == kWpgReadColours) {
             WpgTakeColours(window, at, end, 3, colours);
-        } else if (kind == kWpgBitmap || kind == kWpgPlacedBitmap) {
-            const int placing = kind == kWpgPlacedBitmap ? 10 : 0; // an angle and a box
+        } else if (kind == kWpgReadBitmap || kind == kWpgReadPlaced) {
+            const int placing = kind == kWpgReadPlaced ? 10 : 0; // an angle and a box
             if (const uchar* b = window.At(at + placing, 10)) {
                 WpgBitmap bitmap;
                 bitmap.width = Little16(b);
