@@ -22,7 +22,8 @@ const Codec* EncodeCodec(const SaveVariant& variant)
 {
     const std::span<const Codec> all = AllCodecs();
     const auto found = std::find_if(all.begin(), all.end(), [&](const Codec& codec) {
-        return std::strcmp(codec.name, variant.codec) == 0;
+        return std::strcmp(codec.name, variant.codec) == 0
+            && (codec.encode || codec.encodesInWorker);
     });
     return found == all.end() ? nullptr : &*found;
 }
@@ -100,7 +101,7 @@ QByteArray EncodePicture(const Bitmap& picture, const EncodeRequest& request)
 {
     const SaveVariant* variant = FindSaveVariant(request.format);
     const Codec* codec = variant ? EncodeCodec(*variant) : nullptr;
-    if (!codec || (!codec->encode && !codec->encodesInWorker)) {
+    if (!codec) {
         throw Failure(kFailureGeneral,
                       QStringLiteral("\"%1\" cannot be written. Choose another format.")
                           .arg(EncodeName(request.format)));

@@ -23,29 +23,6 @@ qint64 PictStart(QByteArrayView bytes)
     Damaged(kPictName, QStringLiteral("it does not begin as one"));
 }
 
-/// Colours that the first version names by the planes of a printer.
-QRgb PictOldColour(quint32 value)
-{
-    switch (value) {
-    case 30:
-        return qRgb(255, 255, 255);
-    case 69:
-        return qRgb(255, 255, 0);
-    case 137:
-        return qRgb(255, 0, 255);
-    case 205:
-        return qRgb(255, 0, 0);
-    case 273:
-        return qRgb(0, 255, 255);
-    case 341:
-        return qRgb(0, 255, 0);
-    case 409:
-        return qRgb(0, 0, 255);
-    default:
-        return qRgb(0, 0, 0);
-    }
-}
-
 class PictPlayer {
 public:
     PictPlayer(QByteArrayView bytes, const DecodeRequest& request)
@@ -84,15 +61,14 @@ public:
     }
 
 private:
-    /// Like ResumeNext, but lets a cancellation and a limit through.
+    /// Like ResumeNext, but lets a cancellation through, and what comes before the first figure.
     template <typename Step> bool ResumeNextOrCancelled(Step&& step)
     {
         try {
             step();
             return true;
         } catch (const Failure& failure) {
-            if (failure.Number() == kFailureCancelled
-                || (failure.Number() == kFailureLimit && mFigures == 0)) {
+            if (failure.Number() == kFailureCancelled || mFigures == 0) {
                 throw;
             }
             return false;
@@ -130,7 +106,9 @@ private:
     {
         return raster.target == mPage.frame && raster.source == raster.bounds
             && raster.image.size() == mPage.frame.size().toSize()
-            && raster.bounds.size() == QSizeF(raster.image.size());
+            && raster.bounds.size() == QSizeF(raster.image.size())
+            && (!raster.mask
+                || (raster.mask->IsRectangle() && raster.mask->Bounds().contains(mPage.frame)));
     }
 
     QPointF Point() { return mReader.Point() - mState.origin; }
@@ -157,7 +135,10 @@ private:
             RunFigure(operation);
         } else if (operation >= 0x90 && operation <= 0x9b
                    && (operation <= 0x91 || operation >= 0x98)) {
-            AddRaster(ReadPictRaster(mReader, operation, mState.ink, mState.paper, mRequest));
+            const PictRaster raster =
+                ReadPictRaster(mReader, operation, mState.ink, mState.paper, mRequest);
+            CountPixels(raster.image);
+            AddRaster(raster);
         } else {
             RunOther(operation);
         }
@@ -197,6 +178,17 @@ private:
         }
     }
 
+    /// Bitmaps that are read and not kept cost time too.
+    void CountPixels(const QImage& image)
+    {
+        mPixels += qint64(image.width()) * image.height();
+        if (mPixels > 2 * limits::kMaxPixels) {
+            TooMuch(kPictName,
+                    QStringLiteral("has bitmaps of more than %1 million pixels")
+                        .arg(2 * limits::kMaxPixels / 1'000'000));
+        }
+    }
+
     void AddRaster(PictRaster raster)
     {
         if (mOnlyCompressed) {
@@ -227,7 +219,14 @@ private:
         }
         constexpr int kBooleanModes = 8;
         rop = raster.mode < kBooleanModes ? rop : drawing::kRopSource;
-        mPage.drawing.AddPicture(std::move(picture), mState.clip, rop);
+        drawing::ClipPointer clip = mState.clip;
+        if (raster.mask) {
+            clip = drawing::AddClip(clip, drawing::ClipMode::Intersect,
+                                    raster.mask->Mapped(QTransform::fromTranslate(
+                                        -mState.origin.x(), -mState.origin.y())),
+                                    false);
+        }
+        mPage.drawing.AddPicture(std::move(picture), clip, rop);
         if (!mPage.alone && mFigures == 1) {
             mPage.alone = std::move(raster);
         }
@@ -323,8 +322,7 @@ private:
             (operation == 0x12 ? mState.paper : mState.ink) = colour;
             return;
         }
-        // A small map of pixels follows, which only its length matters of.
-        Unsupported(kPictName, QStringLiteral("has a pattern of pixels"));
+        SkipPictPattern(mReader, mRequest);
     }
 
     void RunLine(int operation)
@@ -464,6 +462,7 @@ private:
     bool mWide = false; ///< operations of two bytes, at even places
     bool mOnlyCompressed = false;
     int mFigures = 0;
+    qint64 mPixels = 0; ///< of all bitmaps
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "imaging/codecs/pict_raster.h"
 #include "imaging/codecs/codec_support.h"
 #include "imaging/codecs/codecs.h"
+#include "imaging/codecs/pict_state.h"
 #include "imaging/codecs/raster_support.h"
 #include <algorithm>
 #include <cstring>
@@ -170,21 +171,10 @@ void PictPutDirect(const uchar* row, const PictMap& map, const PictRows& rows, i
     }
 }
 
-} // namespace
-
-PictRaster ReadPictRaster(PictReader& reader, int operation, QRgb ink, QRgb paper,
-                          const DecodeRequest& request)
+/// The rows of a map into the raster's image; `twoColours` are those of a map without any.
+void ReadPictPixels(PictReader& reader, const PictMap& map, bool direct,
+                    const QList<QRgb>& twoColours, const DecodeRequest& request, PictRaster& raster)
 {
-    const bool direct = operation == 0x9a || operation == 0x9b;
-    const bool masked = operation == 0x91 || operation == 0x99 || operation == 0x9b;
-    PictRaster raster;
-    PictMap map = PictReadMap(reader, direct, raster);
-    raster.source = reader.Rectangle();
-    raster.target = reader.Rectangle();
-    raster.mode = reader.U16();
-    if (masked) {
-        reader.Skip(std::max(reader.U16() - 2, 0));
-    }
     const int width = int(raster.bounds.width());
     const int height = int(raster.bounds.height());
     CheckSides(kPictName, width, height);
@@ -206,7 +196,7 @@ PictRaster ReadPictRaster(PictReader& reader, int operation, QRgb ink, QRgb pape
         raster.image = NewImage(kPictName, width, height, QImage::Format_RGB32);
     } else {
         raster.image = NewIndexedImage(kPictName, width, height, map.bits,
-                                       map.hasColours ? map.colours : QList<QRgb>{paper, ink});
+                                       map.hasColours ? map.colours : twoColours);
     }
     PictRows rows(reader, map, width);
     std::vector<uchar> indexes(size_t(width) + 8);
@@ -226,8 +216,32 @@ PictRaster ReadPictRaster(PictReader& reader, int operation, QRgb ink, QRgb pape
     }
     raster.partial = y < height;
     raster.image = FinishPicture(kPictName, std::move(raster.image), map.bits, y).Pixels();
-    reader.Align();
+}
+
+} // namespace
+
+PictRaster ReadPictRaster(PictReader& reader, int operation, QRgb ink, QRgb paper,
+                          const DecodeRequest& request)
+{
+    const bool direct = operation == 0x9a || operation == 0x9b;
+    const bool masked = operation == 0x91 || operation == 0x99 || operation == 0x9b;
+    PictRaster raster;
+    const PictMap map = PictReadMap(reader, direct, raster);
+    raster.source = reader.Rectangle();
+    raster.target = reader.Rectangle();
+    raster.mode = reader.U16();
+    if (masked) {
+        raster.mask = ReadPictRegion(reader);
+    }
+    ReadPictPixels(reader, map, direct, {paper, ink}, request, raster);
     return raster;
+}
+
+void SkipPictPattern(PictReader& reader, const DecodeRequest& request)
+{
+    PictRaster raster;
+    const PictMap map = PictReadMap(reader, false, raster);
+    ReadPictPixels(reader, map, false, {qRgb(0, 0, 0), qRgb(0, 0, 0)}, request, raster);
 }
 
 PictRaster ReadPictCompressed(QByteArrayView bytes, const DecodeRequest& request)

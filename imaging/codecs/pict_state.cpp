@@ -65,6 +65,28 @@ PictFont PictFontOf(int number)
 
 } // namespace
 
+QRgb PictOldColour(quint32 value)
+{
+    switch (value) {
+    case 30:
+        return qRgb(255, 255, 255);
+    case 69:
+        return qRgb(255, 255, 0);
+    case 137:
+        return qRgb(255, 0, 255);
+    case 205:
+        return qRgb(255, 0, 0);
+    case 273:
+        return qRgb(0, 255, 255);
+    case 341:
+        return qRgb(0, 255, 0);
+    case 409:
+        return qRgb(0, 0, 255);
+    default:
+        return qRgb(0, 0, 0);
+    }
+}
+
 drawing::Path ReadPictRegion(PictReader& reader)
 {
     drawing::Path path;

@@ -41,13 +41,19 @@ struct PictState {
 class PictArtist {
 public:
     PictArtist(PictState& state, drawing::Drawing& drawing) : mState(state), mDrawing(drawing) { }
+    /// From the pen's place, which is there afterwards.
     void Line(QPointF to);
+    /// An upright box.
     void Rectangle(PictVerb verb, const QRectF& box);
+    /// A box with the state's corners.
     void RoundRectangle(PictVerb verb, const QRectF& box);
+    /// The ellipse in a box.
     void Oval(PictVerb verb, const QRectF& box);
     /// Degrees, clockwise from the top.
     void Arc(PictVerb verb, const QRectF& box, int start, int sweep);
+    /// Closed where it is filled.
     void Polygon(PictVerb verb, const std::vector<QPointF>& corners);
+    /// Rectangles that belong together; of several no outline is drawn.
     void Region(PictVerb verb, const drawing::Path& region);
     /// Text in the encoding of the Macintosh at the text's place.
     void Text(QByteArrayView text);
@@ -62,6 +68,8 @@ private:
     drawing::Drawing& mDrawing;
 };
 
+/// Colours that the first version names by the planes of a printer.
+QRgb PictOldColour(quint32 value);
 /// The rectangles of a region, whose size has not been read yet.
 drawing::Path ReadPictRegion(PictReader& reader);
 

@@ -152,15 +152,16 @@ void WpgWalkSecond(ByteSource& source, qint64 at, QList<WpgBitmap>& found)
         if (kind == kWpg2Colours) {
             WpgTakeColours(window, at, end, 4, colours);
         } else if (kind == kWpg2Pixels) {
-            if (const uchar* b = window.At(at, 8)) {
+            if (const uchar* b = window.At(at, 7)) {
                 constexpr int kDepths[] = {0, 1, 2, 4, 8, 0, 0, 0, 24};
                 WpgBitmap bitmap;
                 bitmap.width = Little16(b);
                 bitmap.height = Little16(b + 2);
                 bitmap.depth = b[4] < 9 ? kDepths[b[4]] : 0;
                 bitmap.packing = b[5] == 1 ? WpgPacking::Second : WpgPacking::None;
-                // What is not packed begins with the code for the size of a sample all the same.
-                const bool coded = bitmap.packing == WpgPacking::None
+                // What is not packed may begin with the code for the size of a sample all the same.
+                constexpr int kSampleSize = 0x7d;
+                const bool coded = bitmap.packing == WpgPacking::None && b[6] == kSampleSize
                     && end - at >= 8 + bitmap.RowBytes() * bitmap.height;
                 WpgAdd(bitmap, colours, at + (coded ? 8 : 6), end, found);
             }

@@ -111,6 +111,8 @@ QImage ReadByOthers(const QString& path, const SaveVariant& variant, qint32 bits
         return test::ReadByFfmpeg(path);
     case 166:
         return test::ReadTiffJpeg2000(path);
+    case 16:
+        return test::ReadPostScript(path);
     case 15:
         return test::ReadMetafileBitmap(path);
     case 66:
@@ -131,8 +133,10 @@ QImage ReadByOthers(const QString& path, const SaveVariant& variant, qint32 bits
 /// Whether this program reads what it writes under a code.
 bool IsReadHere(const SaveVariant& variant)
 {
-    // Bare samples and bare fax codes tell nothing of their size.
-    if (std::strcmp(variant.codec, "RAW") == 0 || std::strcmp(variant.codec, "FAX") == 0) {
+    // Bare samples and bare fax codes tell nothing of their size; a page of PostScript is drawn.
+    const char* const without[] = {"RAW", "FAX", "EPS"};
+    if (std::any_of(std::begin(without), std::end(without),
+                    [&](const char* name) { return std::strcmp(variant.codec, name) == 0; })) {
         return false;
     }
     const std::span<const Codec> all = AllCodecs();

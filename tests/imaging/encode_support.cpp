@@ -251,6 +251,16 @@ QImage ReadFax(const QString& path, qint16 format, QSize size)
     return ReadByGraphicsMagick(tiff).copy(QRect(QPoint(), size));
 }
 
+QImage ReadPostScript(const QString& path)
+{
+    const QString page = path + ".ppm";
+    const std::optional<QByteArray> done =
+        RunTool(QStringLiteral("gs"),
+                {"-q", "-dSAFER", "-dBATCH", "-dNOPAUSE", "-dEPSCrop", "-r72", "-sDEVICE=ppmraw",
+                 "-sOutputFile=" + page, path});
+    return done ? QImage(page, "PPM").convertToFormat(QImage::Format_RGB32) : QImage();
+}
+
 QImage ReadPdf(const QString& path)
 {
     const std::optional<QByteArray> done =

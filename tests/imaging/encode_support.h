@@ -29,6 +29,8 @@ QImage ReadTiffJpeg2000(const QString& path);
 QImage ReadFax(const QString& path, qint16 format, QSize size);
 /// The first picture that poppler finds in a PDF.
 QImage ReadPdf(const QString& path);
+/// What Ghostscript draws of a page of PostScript, a pixel a point, in the box that it tells.
+QImage ReadPostScript(const QString& path);
 /// The one bitmap of a clipboard file, read by GraphicsMagick with a file header before it.
 QImage ReadClipboardBitmap(const QString& path);
 /// The one bitmap of a metafile, read in the same way; null when the page that GraphicsMagick draws

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QMap>
+#include <QPoint>
 #include <QRgb>
 #include <QString>
 
@@ -61,6 +62,44 @@ struct PsdMake {
 /// Sample (x, y, channel) is x * 9 + y * 5 + channel * 31, of 16 bits 256 times that and of
 /// floating point a 255th; of one bit x / 3 + y is odd.
 QByteArray MakePsd(const PsdMake& make);
+
+/// A WordPerfect graphic, of version 1 or 2, with the colours before its bitmap; two colours stand
+/// as they are.
+QByteArray MakeWpg(const IndexMake& make, int version = 1);
+/// The records of a WordPerfect graphic behind its header.
+QByteArray MakeWpgFile(int version, const QByteArray& records);
+/// A record of a WordPerfect graphic.
+QByteArray MakeWpgRecord(int version, int kind, const QByteArray& body);
+/// The record of a bitmap of 24 bits in version 2; pixel (x, y) as PlaceColour tells.
+QByteArray MakeWpgRgb(int width, int height, bool packed);
+
+/// A QuickDraw picture of version 1 or 2 with these operations, whose frame begins at `corner`.
+QByteArray MakePictFile(int width, int height, const QByteArray& operations, int version = 2,
+                        QPoint corner = {});
+/// The operation that copies a map of indexes. `operation` is one of 0x90, 0x91, 0x98 and 0x99;
+/// those that have a region take `region`. Without `colours` it is a bitmap, a set bit ink.
+struct PictMapMake {
+    explicit PictMapMake(int what = 0x98, int from = 2, bool coloured = true)
+        : operation(what),
+          version(from),
+          colours(coloured)
+    { }
+    int operation;
+    int version;
+    bool colours;
+    QPoint corner;
+    QByteArray region;
+    int targetWidth = 0; ///< where it is stretched to
+    int mode = 0;
+};
+QByteArray MakePictMap(const IndexMake& make, const PictMapMake& how = PictMapMake());
+/// The operation that copies colours of 16 or 32 bits, packed in the way of that number, of 3 or 4
+/// channels; pixel (x, y) as PlaceColour tells.
+QByteArray MakePictColours(int width, int height, int depth, int packing, int channels = 3);
+/// The operation with a JPEG in it that fills these pixels.
+QByteArray MakePictJpeg(int width, int height, const QByteArray& jpeg);
+/// A rectangle as a QuickDraw picture has it.
+QByteArray MakePictBox(int left, int top, int width, int height);
 
 /// The codes of PackBits for some bytes.
 QByteArray PackBitsCodes(const QByteArray& bytes);
