@@ -32,9 +32,10 @@ bool PictMatches(QByteArrayView head, QStringView extension)
         || extension.compare(u"PIC", Qt::CaseInsensitive) == 0;
     // The mark lies behind 512 bytes of anything, beyond the head that is looked at.
     constexpr qsizetype kPreamble = 512;
-    const bool marked =
-        PictBegins(head, 0) && head.sliced(10).startsWith(QByteArrayView("\0\x11\2\xff", 4));
-    return marked || (named && head.size() >= kPreamble);
+    const bool begins = PictBegins(head, 0);
+    // Without those bytes only the second version has a mark that is long enough to be trusted.
+    const bool marked = begins && head.sliced(10).startsWith(QByteArrayView("\0\x11\2\xff", 4));
+    return marked || (named && (begins || head.size() >= kPreamble));
 }
 
 ImageFacts PictProbe(ByteSource& source)

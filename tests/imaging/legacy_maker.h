@@ -101,10 +101,19 @@ QByteArray MakePictJpeg(int width, int height, const QByteArray& jpeg);
 /// A rectangle as a QuickDraw picture has it.
 QByteArray MakePictBox(int left, int top, int width, int height);
 
+/// A clipboard file, of either kind, with some text and then an entry of that format.
+QByteArray MakeClp(quint32 format, const QByteArray& body, bool wide = false);
+/// One with a device's bitmap: 9 x 1 pixels in four planes.
+QByteArray MakeClpPlanes();
+/// A Dr. Halo picture: in row y three times 2, then y and nothing more that is told.
+QByteArray MakeCut();
+
 /// The codes of PackBits for some bytes.
 QByteArray PackBitsCodes(const QByteArray& bytes);
 
-/// Small pictures of all these, by names.
+/// Small pictures of all these that tell what they are, by names.
 QMap<QString, QByteArray> MadeLegacyPictures();
+/// Those that tell too little of themselves to be shown in part, by names.
+QMap<QString, QByteArray> MadeBarePictures();
 
 } // namespace quillane::making

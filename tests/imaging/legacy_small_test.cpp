@@ -25,18 +25,8 @@ TEST_F(SmallFormats, ClipboardFilesOfBothKindsGiveTheirBitmap)
     const QByteArray dib = Little(40, 4) + Little(9, 4) + Little(2, 4) + Little(1, 2) + Little(1, 2)
         + QByteArray(16, '\0') + Little(2, 4) + Little(0, 4) + colours
         + QByteArray("\xaa\x80\0\0\x55\0\0\0", 8);
-    const auto directory = [](bool wide, quint32 format, const QByteArray& body) {
-        const int entry = wide ? 172 : 89;
-        QByteArray head = Little(wide ? 0xc351 : 0xc350, 2) + Little(2, 2);
-        const quint32 at = quint32(4 + 2 * entry);
-        const int number = wide ? 4 : 2;
-        head += (Little(1, number) + Little(4, 4) + Little(at, 4)).leftJustified(entry, '\0');
-        head += (Little(format, number) + Little(quint32(body.size()), 4) + Little(at + 4, 4))
-                    .leftJustified(entry, '\0');
-        return head + "text" + body;
-    };
     for (const bool wide : {false, true}) {
-        const QString path = Write("board.clp", directory(wide, 8, dib));
+        const QString path = Write("board.clp", making::MakeClp(8, dib, wide));
         const ImageFacts facts = ProbeFile(path);
         EXPECT_EQ(facts.width, 9);
         EXPECT_EQ(facts.height, 2);
@@ -48,25 +38,18 @@ TEST_F(SmallFormats, ClipboardFilesOfBothKindsGiveTheirBitmap)
         EXPECT_EQ(bitmap.Pixels().pixel(0, 0), qRgb(0, 0, 0));
     }
     // A device's bitmap: four planes, rows of two bytes.
-    const QByteArray device = Little(0, 2) + Little(9, 2) + Little(1, 2) + Little(2, 2) + "\4\1"
-        + Little(0, 4) + QByteArray("\x80\0\0\0\x80\0\x80\x80", 8);
-    const QString path = Write("device.clp", directory(false, 2, device));
+    const QString path = Write("device.clp", making::MakeClpPlanes());
     EXPECT_EQ(ProbeFile(path).bits, 4);
     const Bitmap bitmap = LoadFile(path).bitmap;
     EXPECT_EQ(bitmap.Pixels().pixel(0, 0), qRgb(255, 85, 255));
     EXPECT_EQ(bitmap.Pixels().pixel(8, 0), qRgb(85, 85, 85));
-    EXPECT_EQ(Refusal(Write("text.clp", directory(true, 13, "words"))),
+    EXPECT_EQ(Refusal(Write("text.clp", making::MakeClp(13, "words", true))),
               "This clipboard file holds no bitmap, which is not supported.");
 }
 
 TEST_F(SmallFormats, DrHaloTakesItsColoursFromTheFileBesideIt)
 {
-    QByteArray cut = Little(5, 2) + Little(3, 2) + Little(0, 2);
-    for (int y = 0; y < 3; ++y) {
-        const QByteArray codes = QByteArray("\x83\2\2", 3) + char(y) + '\1' + '\0';
-        cut += Little(quint32(codes.size()), 2) + codes;
-    }
-    const QString path = Write("old.cut", cut);
+    const QString path = Write("old.cut", making::MakeCut());
     EXPECT_EQ(ProbeFile(path).format, 108);
     EXPECT_EQ(ProbeFile(path).bits, 8);
     const Bitmap grey = LoadFile(path).bitmap;
@@ -127,6 +110,40 @@ TEST_F(SmallFormats, WhatIsKnownAndNotReadIsRefusedByItsName)
               "or as a picture in the program that made it.");
     // A picture under such a name is read all the same.
     EXPECT_EQ(ProbeFile(Write("picture.cmp", making::MakePcx24(5, 4))).format, 1);
+}
+
+TEST(CodecTable, HasACodecForEveryExtensionThatIsListed)
+{
+    QStringList known;
+    for (const Codec& codec : AllCodecs()) {
+        known += QString::fromLatin1(codec.extensions).split(u' ');
+    }
+    const QStringList listed{"AWD", "BMP", "CAL", "CLP", "CMP", "CUR", "CUT", "DIC", "DWF",
+                             "DWG", "DXF", "EMF", "EPS", "FAX", "GIF", "ICA", "ICO", "IFF",
+                             "IMG", "ITG", "JPG", "MAC", "MSP", "PBM", "PCT", "PCX", "PGM",
+                             "PNG", "PPM", "PSD", "RAS", "RAW", "TGA", "TIF", "WMF", "WPG"};
+    for (const QString& extension : listed) {
+        EXPECT_TRUE(known.contains(extension)) << extension.toStdString();
+    }
+}
+
+TEST(CodecTable, KnowsWhatHasAMarkByItsContentUnderAnyName)
+{
+    // What only the name tells; the mark of QuickDraw's first version is too short as well.
+    const QStringList named{"tga", "cut", "raw", "mac"};
+    const QMap<QString, QByteArray> made = making::MadePictures();
+    for (auto i = made.begin(); i != made.end(); ++i) {
+        const QString extension = i.key().section(u'.', -1);
+        // A picture of QuickDraw has its mark behind 512 bytes of anything.
+        const QByteArray bytes = extension == "pct" ? i.value().mid(512) : i.value();
+        const Codec* codec = FindCodec(bytes.left(512), extension);
+        ASSERT_TRUE(codec) << i.key().toStdString();
+        if (!named.contains(extension) && i.key() != "made old.pct") {
+            for (const QString& other : {QStringLiteral("dat"), QStringLiteral("tga"), QString()}) {
+                EXPECT_EQ(FindCodec(bytes.left(512), other), codec) << i.key().toStdString();
+            }
+        }
+    }
 }
 
 } // namespace

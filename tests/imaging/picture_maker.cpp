@@ -328,6 +328,7 @@ QMap<QString, QByteArray> MadePictures()
                      + QByteArray(16 * 8 + 4 * 8, '\3'));
     files.insert(MadeDrawings());
     files.insert(MadeLegacyPictures());
+    files.insert(MadeBarePictures());
     return files;
 }
 
