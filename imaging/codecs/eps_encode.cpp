@@ -128,10 +128,11 @@ QByteArray EpsEncode(const Bitmap& picture, const EncodeRequest& request)
             PackIndexes(pixels, y, 8, row.data());
         } else {
             const QRgb* from = reinterpret_cast<const QRgb*>(pixels.constScanLine(y));
+            uchar* to = row.data();
             for (int x = 0; x < width; ++x) {
-                row[size_t(3 * x)] = uchar(qRed(from[x]));
-                row[size_t(3 * x + 1)] = uchar(qGreen(from[x]));
-                row[size_t(3 * x + 2)] = uchar(qBlue(from[x]));
+                *to++ = uchar(qRed(from[x]));
+                *to++ = uchar(qGreen(from[x]));
+                *to++ = uchar(qBlue(from[x]));
             }
         }
         ByteWriter packed;

@@ -117,9 +117,9 @@ QByteArray PictEncode(const Bitmap& picture, const EncodeRequest& request)
         } else {
             PackIndexes(pixels, y, bits, row.data());
         }
-        // Rows too narrow to be packed have a byte before the colours.
+        // Rows too narrow to be packed, of one pixel, have a byte before the colours.
         if (full && rowBytes < kPictOutLeastPacked) {
-            const uchar plain[4] = {0, row[0], row[size_t(width)], row[size_t(2 * width)]};
+            const uchar plain[4] = {0, row[0], row[1], row[2]};
             file.Bytes(plain, 4);
             continue;
         }

@@ -337,12 +337,12 @@ private:
             return;
         case 0x22: {
             mState.at = Point();
-            const int across = mReader.I8();
+            const qint8 across = mReader.I8();
             Line(mState.at + QPointF(across, mReader.I8()));
             return;
         }
         case 0x23: {
-            const int across = mReader.I8();
+            const qint8 across = mReader.I8();
             Line(mState.at + QPointF(across, mReader.I8()));
             return;
         }
