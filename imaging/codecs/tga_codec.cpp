@@ -109,7 +109,7 @@ QList<QRgb> TgaColours(ByteSource& source, const TgaHeader& header)
     for (int i = 0; i < 256; ++i) {
         const int entry = i - header.mapFirst;
         colours.append(entry >= 0 && entry < got
-                           ? TgaColour(&map[size_t(entry * bytes)], header.mapDepth, false)
+                           ? TgaColour(map.data() + qint64(entry) * bytes, header.mapDepth, false)
                            : qRgb(0, 0, 0));
     }
     return colours;
