@@ -111,8 +111,6 @@ QImage ReadByOthers(const QString& path, const SaveVariant& variant, qint32 bits
         return test::ReadByFfmpeg(path);
     case 166:
         return test::ReadTiffJpeg2000(path);
-    case 16:
-        return test::ReadPostScript(path);
     case 15:
         return test::ReadMetafileBitmap(path);
     case 66:
@@ -123,6 +121,8 @@ QImage ReadByOthers(const QString& path, const SaveVariant& variant, qint32 bits
         return test::ReadClipboardBitmap(path);
     case 146:
         return test::ReadPdf(path);
+    case 16:
+        return test::ReadPostScript(path);
     case 153:
         return test::ReadRaw(path, bits, size);
     default:
