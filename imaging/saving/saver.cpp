@@ -17,8 +17,9 @@ namespace {
 /// Whether files of a codec can be read by their content alone and tell the picture's own size.
 bool SavedFormatIsRead(const char* name)
 {
-    // The names of two tell their size, if anything; pages of the third are all of one.
-    constexpr const char* kWithoutSize[] = {"RAW", "FAX", "MacPaint"};
+    // The names of two tell their size, if anything; pages of the third are all of one, and those
+    // of the fourth are drawn as large as they are in print.
+    constexpr const char* kWithoutSize[] = {"RAW", "FAX", "MacPaint", "EPS"};
     const auto is = [name](const char* other) { return std::strcmp(other, name) == 0; };
     const std::span<const Codec> all = AllCodecs();
     return std::none_of(std::begin(kWithoutSize), std::end(kWithoutSize), is)
