@@ -26,7 +26,9 @@ void CheckTiffJbig(TiffFile& file, const TiffTags& tags)
         if (file.Source().ReadAt(at, head.data(), kJbigHeaderBytes) != kJbigHeaderBytes) {
             continue; // missing: the library reads nothing there either
         }
-        if (order == FILLORDER_LSB2MSB) {
+        // The library turns these bits the other way than those of all other compressions: what
+        // stands highest bit first has its lowest one first.
+        if (order == FILLORDER_MSB2LSB) {
             TIFFReverseBits(head.data(), kJbigHeaderBytes);
         }
         const auto layers = head[1], planes = head[2];
