@@ -58,7 +58,8 @@ constexpr ReadFacts kReadFacts[] = {
     {"DWG",        nullptr, nullptr, kFactsOne, nullptr, kFactsNoDescription},
     {"DWF",        nullptr, nullptr, kFactsOne, nullptr,
      "the format is not publicly described as a whole; the program that makes it writes DXF too"},
-    {"WPG",        nullptr, nullptr, kFactsOne, nullptr, "it is only written"},
+    {"WPG",        kFactsOwnReader, "1, 2, 4, 8, 24", kFactsAny, "The bitmaps of both versions."},
+    {"PICT",       kFactsOwnPlayer, "1, 2, 4, 8, 16, 24, 32", kFactsOne, "A picture that is one bitmap keeps its depth; drawings are drawn in 24 bits."},
     {"XBM",        nullptr, nullptr, kFactsOne, nullptr, "it is only written"},
     {"XPM",        nullptr, nullptr, kFactsOne, nullptr, "it is only written"},
     {"PDF",        nullptr, nullptr, kFactsOne, nullptr, "it is only written"},
@@ -73,13 +74,16 @@ constexpr ReadFacts kReadFacts[] = {
 };
 
 constexpr WriteFacts kWriteFacts[] = {
+    {1,   "runs"},
     {2,   "LZW"},
     {3,   "uncompressed; of a file with Deflate, LZMA, Zstandard or WebP its own"},
+    {4,   "uncompressed"},
     {6,   "uncompressed"},
     {10,  "JPEG, 4:4:4"},
     {11,  "JPEG, 4:4:4"},
     {14,  "uncompressed"},
     {15,  "one bitmap, uncompressed"},
+    {16,  "one image; runs, in letters"},
     {17,  "LZW"},
     {21,  "JPEG, 4:1:1 (4 x 1)"},
     {22,  "JPEG, 4:1:1 (4 x 1)"},
@@ -92,6 +96,8 @@ constexpr WriteFacts kWriteFacts[] = {
     {51,  "PackBits"},
     {53,  "version 2, runs"},
     {54,  "version 1, runs"},
+    {55,  "uncompressed"},
+    {56,  "PackBits"},
     {66,  "CCITT Group 3, one dimension"},
     {67,  "CCITT Group 3, two dimensions"},
     {68,  "CCITT Group 4"},
@@ -128,7 +134,10 @@ constexpr WriteFacts kWriteFacts[] = {
     {126, "RLE"},
     {127, "JPEG; with quality 2 lossless"},
     {128, "JPEG; with quality 2 lossless"},
+    {130, "CCITT Group 4"},
     {139, "JBIG"},
+    {142, "uncompressed"},
+    {143, "runs"},
     {146, "uncompressed"},
     {153, "uncompressed"},
     {163, "JPEG 2000, in boxes; with quality 2 lossless"},
@@ -142,15 +151,10 @@ constexpr char kFactsClip[] = "it is a clip, and a picture is not one";
 constexpr char kFactsDocument[] = "only printing systems take it; the same codes can be had in a TIFF or a FAX file";
 
 constexpr WriteRefusal kWriteRefusals[] = {
-    {1,   kFactsOnlyRead},
-    {4,   kFactsOnlyRead},
     {5,   kFactsNoDescription},
-    {16,  "nothing of the program makes PostScript"},
     {26,  kFactsNoDescription},
     {50,  "the number does not tell which of the CALS formats is meant"},
     {52,  kFactsOnlyRead},
-    {55,  kFactsOnlyRead},
-    {56,  kFactsOnlyRead},
     {57,  "the way in which it is coded is not publicly described"},
     {58,  kFactsNoLines},
     {59,  kFactsClip},
@@ -181,7 +185,6 @@ constexpr WriteRefusal kWriteRefusals[] = {
     {123, kFactsNoLines},
     {124, kFactsNoDescription},
     {129, "tiles of a CALS file are neither read nor written"},
-    {130, kFactsOnlyRead},
     {131, "the number does not tell which of the CALS formats is meant"},
     {132, "it is a dump of a screen"},
     {133, "it is a dump of a screen"},
@@ -190,15 +193,10 @@ constexpr WriteRefusal kWriteRefusals[] = {
     {137, kFactsNoLines},
     {138, "the compression is not publicly described"},
     {140, kFactsNoLines},
-    {142, kFactsOnlyRead},
-    {143, kFactsOnlyRead},
     {243, kFactsClip},
     {246, kFactsClip},
 };
 
-constexpr ReadRefusal kReadRefusals[] = {
-    {"PCT", "no reader of QuickDraw pictures is part of the program"},
-};
 // clang-format on
 
 } // namespace
@@ -216,11 +214,6 @@ std::span<const WriteFacts> AllWriteFacts()
 std::span<const WriteRefusal> AllWriteRefusals()
 {
     return kWriteRefusals;
-}
-
-std::span<const ReadRefusal> AllReadRefusals()
-{
-    return kReadRefusals;
 }
 
 const ReadFacts* FindReadFacts(QByteArrayView codec)

@@ -37,20 +37,12 @@ struct WriteRefusal {
     const char* why;
 };
 
-/// Why files of an extension that people browse are not read, where no codec knows it.
-struct ReadRefusal {
-    const char* extension; ///< in capitals
-    const char* why;
-};
-
 /// One row for every codec.
 std::span<const ReadFacts> AllReadFacts();
 /// One row for every format code that can be written.
 std::span<const WriteFacts> AllWriteFacts();
 /// One row for every other code of the format table.
 std::span<const WriteRefusal> AllWriteRefusals();
-/// One row for every browsed extension without a codec that reads it.
-std::span<const ReadRefusal> AllReadRefusals();
 
 /// nullptr for a name that no codec has.
 const ReadFacts* FindReadFacts(QByteArrayView codec);

@@ -126,16 +126,7 @@ QString ReadingOfMask(const QMap<QString, QString>& rows, const QStringList& mas
 {
     QString page;
     for (const QString& extension : mask) {
-        if (rows.contains(extension)) {
-            page += rows[extension];
-            continue;
-        }
-        for (const ReadRefusal& refusal : AllReadRefusals()) {
-            if (extension == QLatin1String(refusal.extension)) {
-                page += Row(
-                    {extension, {}, QStringLiteral("refused: ") + refusal.why, {}, {}, {}, {}, {}});
-            }
-        }
+        page += rows.value(extension);
     }
     return page;
 }

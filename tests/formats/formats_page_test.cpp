@@ -57,20 +57,6 @@ TEST(FormatFacts, EveryCodecSaysWhoReadsItOrWhyNobodyDoes)
     }
 }
 
-TEST(FormatFacts, AnExtensionIsRefusedOnlyWhereNoCodecKnowsIt)
-{
-    std::set<QString> known;
-    for (const Codec& codec : AllCodecs()) {
-        for (const QString& extension : QString::fromLatin1(codec.extensions).split(u' ')) {
-            known.insert(extension);
-        }
-    }
-    for (const ReadRefusal& refusal : AllReadRefusals()) {
-        EXPECT_FALSE(known.contains(QString::fromLatin1(refusal.extension)))
-            << refusal.extension << " is known: its row in imaging/format_facts.cpp goes";
-    }
-}
-
 TEST(FormatFacts, EveryCodeSaysHowItIsPackedOrWhyItIsNotWritten)
 {
     for (const FormatRow& row : FormatTable()) {
