@@ -67,7 +67,13 @@ double AsNumber(const SANE_Option_Descriptor& what, SANE_Word word)
 class Device::Driver {
 public:
     explicit Driver(const std::string& name);
-    ~Driver() { sane_close(mHandle); }
+    // Only here is a scan ended, when the program has been told how it went: a driver may hang
+    // over it.
+    ~Driver()
+    {
+        sane_cancel(mHandle);
+        sane_close(mHandle);
+    }
     Driver(const Driver&) = delete;
     Driver& operator=(const Driver&) = delete;
 
@@ -241,25 +247,20 @@ void Device::Driver::StartFrame(SANE_Parameters& frame)
     if (!known || !depthKnown || frame.pixels_per_line <= 0
         || frame.bytes_per_line
             < (std::int64_t(frame.pixels_per_line) * channels * frame.depth + 7) / 8) {
-        sane_cancel(mHandle);
         Fail(Trouble::Other, "the driver sends pixels of a kind that is not known");
     }
 }
 
 bool Device::Driver::ReadSome(std::vector<SANE_Byte>& bytes, SANE_Int& count)
 {
-    if (stopWanted) {
-        sane_cancel(mHandle);
+    if (stopWanted)
         Fail(Trouble::Cancelled, "");
-    }
     count = 0;
     const SANE_Status status = sane_read(mHandle, bytes.data(), SANE_Int(bytes.size()), &count);
     if (status == SANE_STATUS_EOF)
         return false;
-    if (status != SANE_STATUS_GOOD) {
-        sane_cancel(mHandle);
+    if (status != SANE_STATUS_GOOD)
         FailAs(stopWanted ? SANE_STATUS_CANCELLED : status, "scanning");
-    }
     count = std::clamp(count, 0, SANE_Int(bytes.size()));
     return true;
 }
@@ -293,10 +294,8 @@ std::vector<SANE_Byte> Device::Driver::ReadFrame()
     SANE_Int count = 0;
     while (ReadSome(bytes, count)) {
         all.insert(all.end(), bytes.begin(), bytes.begin() + count);
-        if (std::int64_t(all.size()) > kMostFrameBytes) {
-            sane_cancel(mHandle);
+        if (std::int64_t(all.size()) > kMostFrameBytes)
             Fail(Trouble::TooLarge, "");
-        }
         Send(Kind::Alive, nullptr, 0);
     }
     return all;
@@ -314,7 +313,6 @@ void Device::Driver::SendThreePasses(SANE_Parameters frame)
         if (plane < 0 || plane > 2 || !planes[plane].empty() || frame.depth != first.depth
             || frame.pixels_per_line != first.pixels_per_line
             || frame.bytes_per_line != first.bytes_per_line) {
-            sane_cancel(mHandle);
             Fail(Trouble::Other, "the passes of the three colours do not fit each other");
         }
         planes[plane] = ReadFrame();
@@ -350,7 +348,6 @@ void Device::Driver::SendPage()
         SendRows(frame);
     else
         SendThreePasses(frame);
-    sane_cancel(mHandle);
 }
 
 Device::Device(const std::string& name) : mDriver(std::make_unique<Driver>(name))
