@@ -49,7 +49,7 @@ public:
     JpegCarry(const QByteArray& encoded, const CarryPlan& plan)
         : mEncoded(encoded),
           mPlan(plan),
-          mNew(CutJpeg(encoded)),
+          mNew(CutJpeg(encoded, JpegMaker::Program)),
           mProfile(ProfileOf(mNew.segments)),
           mOriginal(OriginalBytes(plan)),
           mBefore(SlotsBefore(plan, ReadJpegComments)),

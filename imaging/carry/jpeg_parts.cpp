@@ -53,7 +53,7 @@ void PartFindEnd(const QByteArray& bytes, JpegParts& parts)
 
 } // namespace
 
-JpegParts CutJpeg(const QByteArray& bytes)
+JpegParts CutJpeg(const QByteArray& bytes, JpegMaker maker)
 {
     JpegParts parts;
     qint64 at = 2;
@@ -68,7 +68,12 @@ JpegParts CutJpeg(const QByteArray& bytes)
         }
         if (marker == kPartScan) {
             parts.scan = at;
-            PartFindEnd(bytes, parts);
+            if (maker == JpegMaker::Program && bytes.endsWith("\xff\xd9")) {
+                parts.end = bytes.size();
+                parts.ended = true;
+            } else {
+                PartFindEnd(bytes, parts);
+            }
             return parts;
         }
         const qint64 length = qFromBigEndian<quint16>(bytes.constData() + at + 2);

@@ -28,8 +28,10 @@ struct JpegParts {
     bool ended = false; ///< the mark is there
 };
 
+/// Whose JPEG is cut: behind one that the program has just made lies nothing.
+enum class JpegMaker : quint8 { Anybody, Program };
 /// Failure kFailureUnreadable when there is no scan.
-JpegParts CutJpeg(const QByteArray& bytes);
+JpegParts CutJpeg(const QByteArray& bytes, JpegMaker maker = JpegMaker::Anybody);
 /// Whether a segment describes the coded picture itself (frames, tables, intervals).
 bool DescribesPixels(quint8 marker);
 /// The bytes of a segment. Failure kFailureLimit for a content beyond 65,533 bytes; `what` names

@@ -18,7 +18,8 @@ constexpr char kJpegOut[] = "JPEG";
 constexpr int kJpegMostSide = 65500; ///< JPEG_MAX_DIMENSION of the library
 /// Blocks of all channels that may lie in one unit of a scan (T.81, B.2.3).
 constexpr int kJpegMostBlocks = 10;
-constexpr int kJpegOutRows = 16; ///< handed over at once
+constexpr qint64 kJpegOutRoom = 64 << 20; ///< bytes that are asked for at once
+constexpr int kJpegOutRows = 16;          ///< handed over at once
 
 /// Samples of luminance to one of colour.
 struct JpegSampling {
@@ -201,6 +202,8 @@ bool JpegOutRun::Encode()
     destination.term_destination = End;
     info.dest = &destination;
     Prepare();
+    // Room for a byte a pixel, more than pictures take; what is not used costs nothing.
+    out.reserve(qsizetype(std::min(qint64(pixels->width()) * pixels->height(), kJpegOutRoom)));
     jpeg_start_compress(&info, TRUE);
     if (!request->icc.isEmpty()) {
         jpeg_write_icc_profile(&info, reinterpret_cast<const JOCTET*>(request->icc.constData()),

@@ -3,8 +3,10 @@
 #include "imaging/processing/pixels/colour_pixels.h"
 #include "imaging/processing/pixels/levels.h"
 #include "imaging/processing/tone.h"
+#include <QtEndian>
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
 namespace quillane::processing {
 
@@ -42,10 +44,17 @@ void TurnHues(float* red, float* green, float* blue, int count, float sixths, fl
     }
 }
 
+/// Pixels as words, so that the compiler takes several apart and puts them together at once.
 template <typename Value>
 void TurnHueRows(const cv::Mat& in, cv::Mat& out, ChannelOrder order, float sixths)
 {
-    constexpr float kMost = float(Value(~Value(0)));
+    using Word = std::conditional_t<sizeof(Value) == 1, quint32, quint64>;
+    constexpr Word kFull = Value(~Value(0));
+    constexpr int kBits = 8 * sizeof(Value);
+    const int redAt = order.red * kBits;
+    const int greenAt = order.green * kBits;
+    const int blueAt = order.blue * kBits;
+    const Word rest = kFull << (3 * kBits);
     float red[kHueRun];
     float green[kHueRun];
     float blue[kHueRun];
@@ -54,16 +63,18 @@ void TurnHueRows(const cv::Mat& in, cv::Mat& out, ChannelOrder order, float sixt
              left += kHueRun, from += 4 * kHueRun, to += 4 * kHueRun) {
             const int count = std::min(kHueRun, in.cols - left);
             for (int i = 0; i < count; ++i) {
-                red[i] = from[4 * i + order.red];
-                green[i] = from[4 * i + order.green];
-                blue[i] = from[4 * i + order.blue];
+                const Word word = qFromLittleEndian<Word>(from + 4 * i);
+                red[i] = float(int(word >> redAt & kFull));
+                green[i] = float(int(word >> greenAt & kFull));
+                blue[i] = float(int(word >> blueAt & kFull));
             }
-            TurnHues(red, green, blue, count, sixths, kMost);
+            TurnHues(red, green, blue, count, sixths, float(kFull));
             for (int i = 0; i < count; ++i) {
-                to[4 * i + 3] = from[4 * i + 3];
-                to[4 * i + order.red] = Value(red[i]);
-                to[4 * i + order.green] = Value(green[i]);
-                to[4 * i + order.blue] = Value(blue[i]);
+                const Word word = qFromLittleEndian<Word>(from + 4 * i);
+                qToLittleEndian<Word>((word & rest) | Word(int(red[i])) << redAt
+                                          | Word(int(green[i])) << greenAt
+                                          | Word(int(blue[i])) << blueAt,
+                                      to + 4 * i);
             }
         }
     });

@@ -61,10 +61,7 @@ Bitmap GreyOf(const Bitmap& picture)
     CallLibrary([&] {
         const cv::Mat in = ReadView(shown.Pixels());
         cv::Mat out = WriteView(grey);
-        ForBands(in.rows, BandRows(in), [&](int top, int bottom) {
-            cv::Mat band = out.rowRange(top, bottom);
-            GreyBand(in.rowRange(top, bottom), band, OrderOf(shown.Pixels()));
-        });
+        GreyBand(in, out, OrderOf(shown.Pixels())); // on all cores by itself
     });
     return PictureLike(from, std::move(grey), ColourModel::Grey);
 }

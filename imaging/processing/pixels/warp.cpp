@@ -8,8 +8,9 @@ namespace quillane::processing {
 
 namespace {
 
-/// Side of the squares of the result that are worked on at a time. The library counts places in
-/// 16 bits, so neither a square nor what it is made of may be longer than 32767.
+/// The library counts places in 16 bits: what it is given at a time may be no longer than this.
+constexpr int kWarpMost = 32'000;
+/// Side of the squares that longer pictures are worked on in.
 constexpr int kWarpTile = 256;
 
 QRect WarpSource(const QRect& tile, const WarpMap& map, const cv::Mat& in)
@@ -55,6 +56,10 @@ void WarpTile(const cv::Mat& in, cv::Mat& out, const QRect& tile, const WarpMap&
 
 void WarpPixels(const cv::Mat& in, cv::Mat& out, const WarpMap& map, const cv::Scalar& fill)
 {
+    if (std::max({in.cols, in.rows, out.cols, out.rows}) <= kWarpMost) {
+        WarpTile(in, out, QRect(0, 0, out.cols, out.rows), map, fill); // on all cores by itself
+        return;
+    }
     ForBands(out.rows, kWarpTile, [&](int top, int bottom) {
         for (int left = 0; left < out.cols; left += kWarpTile) {
             const int right = std::min(left + kWarpTile, out.cols);
@@ -99,7 +104,10 @@ void CapByAlpha(cv::Mat& weighed)
 
 QImage WithPlainColours(QImage pixels, QImage::Format format)
 {
-    return pixels.format() == format ? pixels : std::move(pixels).convertToFormat(format);
+    if (pixels.format() == format) {
+        return pixels; // moved: a second holder would have it copied when its resolution is set
+    }
+    return std::move(pixels).convertToFormat(format);
 }
 
 Bitmap Warped(const Bitmap& picture, QSize size, QRgb fill, const WarpMap& map)
