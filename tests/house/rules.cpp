@@ -53,10 +53,14 @@ const QHash<QString, QSet<QString>>& LayersBelow()
         {"metadata/ui", kWindows},
         {"widgets", kUpper},
         {"widgets/ui", {"core", "platform", "imaging", "widgets", "platform/ui"}},
+        {"viewer", {"core", "platform", "imaging", "metadata", "widgets"}},
+        {"viewer/ui",
+         {"core", "platform", "imaging", "metadata", "widgets", "viewer", "platform/ui",
+          "widgets/ui"}},
         {"browser", {"core", "platform", "imaging", "metadata", "widgets"}},
         {"browser/ui",
          {"core", "platform", "imaging", "metadata", "widgets", "browser", "platform/ui",
-          "widgets/ui", "metadata/ui"}},
+          "widgets/ui", "metadata/ui", "viewer/ui"}},
         {"scripts", {}}, // the program that draws the samples
     };
     return kBelow;
