@@ -1,13 +1,18 @@
 // A codec of the decoding process, fed in a process of the fuzzer's. QUILLANE_FUZZED_CODEC names
 // it.
 #include "core/failure.h"
+#include "core/native_path.h"
 #include "fuzz_metadata.h"
 #include "imaging/comments/slots.h"
 #include "imaging/encode.h"
 #include "imaging/worker_main/codecs/shipped_codecs.h"
+#include <QProcess>
+#include <QTemporaryDir>
 #include <QtEndian>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
+#include <new>
 
 namespace quillane::worker {
 namespace {
@@ -24,7 +29,23 @@ const WorkerCodec& FuzzedWorkerCodec()
             return codec;
         }
     }
+    for (const WorkerCodec& codec : kShippedClips) {
+        if (std::strcmp(codec.name, QUILLANE_FUZZED_CODEC) == 0) {
+            static const bool prepared = (PrepareClips(), true);
+            static_cast<void>(prepared);
+            return codec;
+        }
+    }
     std::abort();
+}
+
+/// Runs a step as the decoding process does: a Failure is an answer, and so is what the clip
+/// library says when a damaged header asks it for too much. The fuzzer watches real memory itself.
+void FuzzAnswered(const std::function<void()>& step)
+{
+    try {
+        ResumeNext(step);
+    } catch (const std::bad_alloc&) { }
 }
 
 /// Takes rows and holds the decoder to what it announced.
@@ -116,6 +137,25 @@ QList<QByteArray> EncodedSeeds()
             }
             seeds.append(file.Bytes());
         }
+    }
+    return seeds;
+}
+
+/// Three small pictures as the usual encoders of that kind of clip pack them.
+QList<QByteArray> ClipSeeds(const QString& extension, const QList<QByteArray>& encoders)
+{
+    QList<QByteArray> seeds;
+    const QTemporaryDir folder;
+    for (const QByteArray& encoder : encoders) {
+        const QString path = folder.filePath(QLatin1String("clip.") + extension);
+        QProcess maker;
+        maker.start(QStringLiteral("ffmpeg"),
+                    {"-y", "-v", "error", "-f", "lavfi", "-i", "testsrc=size=48x32:rate=25",
+                     "-frames:v", "3", "-c:v", QLatin1String(encoder), path});
+        if (!maker.waitForFinished() || maker.exitCode() != 0) {
+            std::abort(); // the tests' packages bring the program
+        }
+        seeds.append(ReadWholeFile(path, 1 << 20));
     }
     return seeds;
 }
@@ -216,6 +256,15 @@ QList<QByteArray> MetadataSeeds()
         return {ItgSeed(9, quillane::worker::ItgRuns()), ItgSeed(24, FaxPixels(68)),
                 ItgSeed(2, QByteArray(64 * 20, 'g'))};
     }
+    if (name == "MOV") {
+        return quillane::worker::ClipSeeds(QStringLiteral("mov"), {"mpeg4", "mjpeg", "qtrle"});
+    }
+    if (name == "AVI") {
+        return quillane::worker::ClipSeeds(QStringLiteral("avi"), {"rawvideo", "mjpeg", "mpeg4"});
+    }
+    if (name == "MPEG") {
+        return quillane::worker::ClipSeeds(QStringLiteral("mpg"), {"mpeg1video", "mpeg2video"});
+    }
     return quillane::worker::EncodedSeeds();
 }
 
@@ -223,13 +272,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const quillane::worker::WorkerCodec& codec = quillane::worker::FuzzedWorkerCodec();
     quillane::MemorySource source(QByteArray(reinterpret_cast<const char*>(data), qsizetype(size)));
-    quillane::ResumeNext([&] {
+    quillane::worker::FuzzAnswered([&] {
         const quillane::ImageFacts facts = codec.probe(source);
         if (facts.width < 1 || facts.height < 1) {
             std::abort(); // a probe that succeeds tells a size
         }
     });
-    quillane::ResumeNext([&] {
+    quillane::worker::FuzzAnswered([&] {
         quillane::worker::FuzzSink sink;
         codec.decode(source, {}, sink);
         if (!sink.IsFull()) {
@@ -237,8 +286,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         }
     });
     if (codec.comments) {
-        quillane::ResumeNext([&] { codec.comments(source, [](qint16, const QByteArray&) {}); });
-        quillane::ResumeNext([&] { // the file written anew with another text
+        quillane::worker::FuzzAnswered(
+            [&] { codec.comments(source, [](qint16, const QByteArray&) {}); });
+        quillane::worker::FuzzAnswered([&] { // the file written anew with another text
             quillane::worker::FuzzRows none({});
             quillane::worker::FuzzFile file;
             quillane::worker::EncodeWish wish;
