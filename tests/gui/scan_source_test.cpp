@@ -81,6 +81,23 @@ TEST_F(ScanSourceTest, TheChosenSourceHoldsForTheRun)
     EXPECT_EQ(fakes.scanner.Selected(), QStringLiteral("b:0"));
 }
 
+TEST_F(ScanSourceTest, TwoScannersOfTheSameMakeAreToldApart)
+{
+    StartBare();
+    for (const char* name : {"usb:1", "usb:2"}) {
+        fakes.scanner.sources.append(
+            {QLatin1String(name), QStringLiteral("Maker"), QStringLiteral("One"), {}});
+    }
+    Choose([](QDialog& dialog) {
+        ASSERT_TRUE(Searched(dialog));
+        auto* list = In<QListWidget>(dialog, "lstSources");
+        ASSERT_EQ(list->count(), 2);
+        EXPECT_EQ(list->item(0)->text(), QStringLiteral("Maker One (usb:1)"));
+        EXPECT_EQ(list->item(1)->text(), QStringLiteral("Maker One (usb:2)"));
+        dialog.reject();
+    });
+}
+
 TEST_F(ScanSourceTest, TheDialogIsThereWhileScannersAreLookedFor)
 {
     StartBare();

@@ -6,6 +6,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace quillane {
 
@@ -88,7 +89,14 @@ void ScanSourceDialog::ShowSources(const QList<ScanSource>& sources)
     }
     ShowWords(tr("&Pictures are acquired from:"));
     for (const ScanSource& source : sources) {
-        auto* item = new QListWidgetItem(source.Title(), mList);
+        // Two of the same make are told apart by what they are opened by.
+        const bool alone =
+            std::count_if(sources.begin(), sources.end(),
+                          [&](const ScanSource& other) { return other.Title() == source.Title(); })
+            == 1;
+        const QString words =
+            alone ? source.Title() : QStringLiteral("%1 (%2)").arg(source.Title(), source.name);
+        auto* item = new QListWidgetItem(words, mList);
         item->setData(kSourceName, source.name);
         item->setToolTip(QStringLiteral("%1\n%2").arg(source.kind, source.name).trimmed());
         if (source.name == mCurrent) {
