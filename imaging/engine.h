@@ -59,6 +59,8 @@ public:
     /// next save until the image is freed.
     void SetBitmap(quillane::Bitmap bitmap);
     bool HasBitmap() const { return !mBitmap.IsNull(); }
+    /// The file that the image came from, as it was then; nullptr for an image from elsewhere.
+    const std::shared_ptr<const LoadedFile>& Loaded() const { return mLoaded; }
 
     /// One metadata field read from the file, the image untouched. See CommentReader.
     CommentValue ReadComment(const QString& file, qint32 page, qint16 slot);
