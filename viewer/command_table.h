@@ -31,6 +31,7 @@ enum class CommandDialog : quint8 {
 using CommandValues = std::array<qint32, 4>;
 
 struct EnhanceCommand {
+    const char* menu; ///< name of the menu it stands in
     const char* name;
     const char16_t* caption;
     CommandDialog dialog;
