@@ -21,31 +21,23 @@ QSize UprightSize(const ImageFacts& facts)
 
 } // namespace
 
-QImage QuickLook(const QString& file, QSize box, const QString& thumbnailCache,
-                 const std::atomic<bool>* cancelled)
+QuickPicture QuickLook(const QString& file, QSize box, const QString& thumbnailCache,
+                       const std::atomic<bool>* cancelled)
 {
-    QImage look;
+    QuickPicture look;
     ResumeNext([&] {
         if (box.isEmpty()) {
             return;
         }
         const ImageFacts facts = ProbeFile(file);
-        const QSize whole = UprightSize(facts);
-        QSize shown = whole;
-        if (whole.width() > box.width() || whole.height() > box.height()) {
-            shown.scale(box, Qt::KeepAspectRatio);
-        }
-        shown = shown.expandedTo({1, 1});
-        ThumbnailOptions options;
-        options.cancelled = cancelled;
+        look.whole = UprightSize(facts);
         if (std::find(kQuickFormats.begin(), kQuickFormats.end(), facts.format)
             != kQuickFormats.end()) {
-            look = MakeThumbnail(file, shown, options).image;
+            ThumbnailOptions options;
+            options.cancelled = cancelled;
+            look.image = MakeThumbnail(file, box, options).image;
         } else {
-            look = ReadCachedThumbnail(thumbnailCache, file, StatPath(file), kCachedLook);
-        }
-        if (!look.isNull() && look.size() != shown) {
-            look = look.scaled(shown, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+            look.image = ReadCachedThumbnail(thumbnailCache, file, StatPath(file), kCachedLook);
         }
     });
     return look;

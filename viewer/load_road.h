@@ -10,11 +10,16 @@
 
 namespace quillane {
 
+/// A small picture in the place of one that is being loaded.
+struct QuickPicture {
+    QImage image; ///< upright, sRGB; null: none
+    QSize whole;  ///< of the whole picture, upright
+};
 /// A look at the picture of a file before it is loaded: a cached or embedded small picture or a
-/// decode at reduced scale, with the sides that the picture has in `box` (device pixels). Null when
-/// none can be had in much less time than the whole picture. Never fails.
-QImage QuickLook(const QString& file, QSize box, const QString& thumbnailCache,
-                 const std::atomic<bool>* cancelled);
+/// decode at reduced scale that fills `box` (device pixels) as far as the picture does. None where
+/// it cannot be had in much less time than the whole picture. Never fails.
+QuickPicture QuickLook(const QString& file, QSize box, const QString& thumbnailCache,
+                       const std::atomic<bool>* cancelled);
 
 /// What the viewer shows of a file.
 struct ViewedFile {

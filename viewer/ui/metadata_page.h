@@ -41,8 +41,7 @@ protected:
 
 private:
     void BuildGeneral();
-    QTreeWidget* AddList(const char* name, const QString& caption,
-                         const CatalogueColumns& columns);
+    QTreeWidget* AddList(const char* name, const QString& caption, const CatalogueColumns& columns);
     QLineEdit* Box(const char* name) const;
     QString AllTexts() const;
 
