@@ -19,12 +19,16 @@ struct ViewerPicture {
     GeneralTagTexts general;    ///< boxes; a save fills in an empty date
     bool generalRead = false;   ///< the boxes were filled from this file: their page is on
     QString appTitle;           ///< gsAppTitle
-    std::shared_ptr<const LoadedFile> loaded; ///< the file as it was when it was loaded or saved
+    // As the file was when it was loaded or saved; NoteLoaded and the saves fill them in.
+    std::shared_ptr<const LoadedFile> loaded;
+    std::shared_ptr<const CommentSet> comments;
+    qint64 pixels = 0; ///< key of the pixels that were loaded or saved; 0: not those of the file
 };
 
-/// Notes what LEAD1 has just loaded from `file`: format, depth and the file itself. The texts are
-/// emptied and count as not read until the window has filled them.
-void NoteLoaded(ViewerPicture& held, const EngineInstance& LEAD1, const QString& file);
+/// Makes `file` the viewer's file and notes what LEAD1 has loaded from it: format, depth, comments
+/// and the file itself; nothing where LEAD1 holds no picture of that file. The texts are emptied
+/// and count as not read until the window has filled them. It reads from the file.
+void NoteLoaded(ViewerPicture& held, EngineInstance& LEAD1, const QString& file);
 
 /// Saves over the viewer's file in its own format and depth, with every comment of the file, the
 /// text of the tags and the general tags. Failure, with the file as it was: a format that cannot
