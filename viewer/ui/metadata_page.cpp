@@ -158,7 +158,8 @@ void MetadataPage::Fill(const ViewedFile& viewed, const UiLoop& loop)
         mTagsRead = viewed.commentsRead && ResumeNext([&] {
                         const CommentValue& description = viewed.comments.At(kDescriptionSlot);
                         if (!description.IsEmpty()) {
-                            text = NormaliseLineEnds(description.Text());
+                            text = description.Text();
+                            text = NormaliseLineEnds(text);
                         }
                     });
         txtTags->setPlainText(text);
