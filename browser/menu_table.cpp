@@ -22,7 +22,7 @@ constexpr MenuEntry kMainMenu[] = {
     {"mnuMainFileNew", "nnuNewFolder", u"&Folder", Entry, kBuilt, "Ctrl+Shift+N", "folder-new"},
     {"mnuMainFile", "mnuMainFileOpen", u"&Open", Entry, kBuilt, "Ctrl+O", "document-open"},
     {"mnuMainFile", "", u"", Separator},
-    {"mnuMainFile", "mnuAcquireTwain", u"&Acquire", Entry, kNotYet, "", "scanner"},
+    {"mnuMainFile", "mnuAcquireTwain", u"&Acquire", Entry, kBuilt, "", "scanner"},
     {"mnuMainFile", "mnuSelectTwainSource", u"&Select TWAIN Source", Entry},
     {"mnuMainFile", "mnuImportVideo", u"&Import Video", Entry, kNotYet, "", "video-x-generic"},
     {"mnuMainFile", "", u"", Separator},
@@ -61,7 +61,7 @@ constexpr MenuEntry kMainMenu[] = {
     {"mnuSearch", "", u"", Separator},
     {"mnuSearch", "mnuFileFiles", u"&Find Files...", Entry, kNotYet, "", "system-search"},
 
-    {"mnuTools", "mnuImage", u"View/Enhance Photo", Check, kNotYet},
+    {"mnuTools", "mnuImage", u"View/Enhance Photo", Check},
     {"mnuTools", "mnuTagEdit", u"Edit Photo Metadata", Check, kBuilt},
     {"mnuTools", "mnuCustomTool1", u"Custom Tool 1", Check},
     {"mnuTools", "mnuCustomTool2", u"Custom Tool 2", Check},
@@ -102,7 +102,7 @@ constexpr MenuEntry kMainMenu[] = {
 };
 
 constexpr MenuEntry kPopupMenu[] = {
-    {"mnuPopUp", "mnuPopImage", u"View/Enhance Photo", Entry, kNotYet},
+    {"mnuPopUp", "mnuPopImage", u"View/Enhance Photo"},
     {"mnuPopUp", "mnuPopEditTags", u"Edit Photo Metadata", Entry, kBuilt},
     {"mnuPopUp", "mnuPopCustomTool1", u"Custom Tool 1"},
     {"mnuPopUp", "mnuPopCustomTool2", u"Custom Tool 2"},
@@ -131,7 +131,7 @@ constexpr ToolButton kToolButtons[] = {
     {3, "Toolbar1_3", u"Search Image Text...", "search-text", kNotYet},
     {4, "", u"", ""},
     {5, "Toolbar1_5", u"Print Images", "print", kNotYet},
-    {6, "Toolbar1_6", u"TWAIN Capture...", "scan", kNotYet},
+    {6, "Toolbar1_6", u"TWAIN Capture...", "scan"},
     {7, "Toolbar1_7", u"Video Capture...", "video-capture"},
     {8, "", u"", ""},
     {9, "Toolbar1_9", u"Send...", "send", kNotYet},
@@ -166,18 +166,6 @@ std::span<const ToolButton> FixedToolButtons()
 std::span<const ViewEntry> ViewEntries()
 {
     return kViewEntries;
-}
-
-QString PlainCaption(const QString& caption)
-{
-    QString plain = caption;
-    plain.remove(u'&').remove(QStringLiteral("..."));
-    return plain;
-}
-
-QString NotYetTip(const QString& caption)
-{
-    return QStringLiteral("%1 is not part of this version yet.").arg(PlainCaption(caption));
 }
 
 } // namespace quillane

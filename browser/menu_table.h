@@ -1,41 +1,15 @@
 #pragma once
-// Menus, pop-up menu and tool bar as tables: names, captions, order, keys.
-#include <QString>
+// Menus, pop-up menu and tool bar of the main window.
+#include "widgets/menu_entry.h"
 #include <span>
 
 namespace quillane {
-
-enum class EntryKind : quint8 { Menu, Entry, Check, Separator };
-/// Whether what an entry opens is part of this version.
-enum class EntryState : quint8 { Built, NotYet };
-
-struct MenuEntry {
-    const char* menu; ///< name of the menu it stands in; "" is the menu bar
-    const char* name; ///< object name; empty for a separator
-    const char16_t* caption;
-    EntryKind kind = EntryKind::Entry;
-    EntryState state = EntryState::Built;
-    const char* shortcut = ""; ///< portable key sequences divided by blanks
-    const char* icon = "";     ///< icon theme name, optional
-};
 
 /// The main menu, menu by menu, in order.
 std::span<const MenuEntry> MainMenu();
 /// The pop-up menu mnuPopUp.
 std::span<const MenuEntry> PopupMenu();
 
-/// Tool tip of an entry whose window is not part of this version.
-QString NotYetTip(const QString& caption);
-/// The caption without its mnemonic mark and dots.
-QString PlainCaption(const QString& caption);
-
-struct ToolButton {
-    int index; ///< from 1; 4 and 8 are separators
-    const char* name;
-    const char16_t* toolTip;
-    const char* icon; ///< bundled icon name
-    EntryState state = EntryState::Built;
-};
 /// The ten buttons in their order, separators among them.
 std::span<const ToolButton> FixedToolButtons();
 

@@ -59,6 +59,10 @@ public:
     /// next save until the image is freed.
     void SetBitmap(quillane::Bitmap bitmap);
     bool HasBitmap() const { return !mBitmap.IsNull(); }
+    /// The file that the image came from, as it was then; nullptr for an image from elsewhere.
+    const std::shared_ptr<const LoadedFile>& Loaded() const { return mLoaded; }
+    /// Has the next save carry over what is in that file; nullptr for none.
+    void SetLoaded(std::shared_ptr<const LoadedFile> file) { mLoaded = std::move(file); }
 
     /// One metadata field read from the file, the image untouched. See CommentReader.
     CommentValue ReadComment(const QString& file, qint32 page, qint16 slot);

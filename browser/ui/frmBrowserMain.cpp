@@ -56,7 +56,7 @@ frmBrowserMain::frmBrowserMain(Session& session, SettingsStore& store, Platform 
     setWindowIcon(QIcon(QStringLiteral(":/icons/quillane.svg")));
     setMinimumSize(kLeastWidth, kLeastHeight);
     statusBar()->setObjectName(QStringLiteral("StatusBar1"));
-    RegisterWindows(windows, session, platform, this);
+    RegisterWindows(windows, session, store, platform, *this, this);
     BuildToolBar();
     BuildPanes();
     ConnectMenus();

@@ -93,6 +93,7 @@ private:
     void OpenImage();
     void ShowAbout();
     void SelectTwainSource();
+    void Acquire();
     void ClearHistory();
     void RunCustomSlot(const CustomSlot& slot);
     void AddSelectedToAlbum();

@@ -8,7 +8,6 @@
 #include "browser/ui/frmBrowserAbout.h"
 #include "core/file_kinds.h"
 #include "core/paths.h"
-#include "imaging/acquire.h"
 #include "platform/ui/command_connector.h"
 #include "widgets/file_list_mime.h"
 #include "widgets/ui/scan_source_dialog.h"
@@ -17,6 +16,7 @@
 #include <QClipboard>
 #include <QDialog>
 #include <QLineEdit>
+#include <QPointer>
 #include <QShortcut>
 
 namespace quillane {
@@ -37,6 +37,7 @@ void frmBrowserMain::ConnectMenus()
 {
     Command("nnuNewFolder", [this] { mTree->NewFolder(true); });
     Command("mnuMainFileOpen", [this] { OpenImage(); });
+    Command("mnuAcquireTwain", [this] { Acquire(); });
     Command("mnuSelectTwainSource", [this] { SelectTwainSource(); });
     Command("mnuClearFileHistory", [this] { ClearHistory(); });
     Command("mnuMainFIleExit", [this] { Exit(); });
@@ -177,6 +178,9 @@ void frmBrowserMain::Tool(int index)
     case 2:
         ResumeNext([&] { mPlatform.launcher.FindIn(mSession.gsPath); });
         break;
+    case 6:
+        Acquire();
+        break;
     case 7:
         ResumeNext([&] {
             mPlatform.launcher.Run(
@@ -291,11 +295,18 @@ void frmBrowserMain::ShowAbout()
 
 void frmBrowserMain::SelectTwainSource()
 {
-    TwainSelect(mPlatform.scanner, [this](SourceSearch& search, const QString& current) {
-        ScanSourceDialog dialog(search, current, this);
-        const bool chosen = dialog.exec() == QDialog::Accepted && !dialog.Chosen().isEmpty();
-        return chosen ? std::optional(dialog.Chosen()) : std::nullopt;
-    });
+    ChooseScanSource(mPlatform.scanner, this);
+}
+
+void frmBrowserMain::Acquire()
+{
+    const QPointer<QObject> viewer(mWindows.Get(QStringLiteral("frmToolImageDisplay")));
+    if (viewer) {
+        QMetaObject::invokeMethod(viewer, "show");
+    }
+    if (viewer) {
+        QMetaObject::invokeMethod(viewer, "AcquireTwain");
+    }
 }
 
 void frmBrowserMain::ClearHistory()

@@ -1,6 +1,8 @@
 // Tool bar and panes of the main window.
 #include "browser/ui/frmBrowserMain.h"
 
+#include "platform/ui/command_connector.h"
+
 #include <QEvent>
 #include <QFrame>
 #include <QLineEdit>
@@ -48,25 +50,10 @@ void frmBrowserMain::BuildToolBar()
     mToolBar->setIconSize({side, side});
 
     for (const ToolButton& button : FixedToolButtons()) {
-        if (button.name[0] == '\0') {
-            mToolBar->addSeparator();
-            continue;
+        if (QAction* action = AddToolButton(mToolBar, button)) {
+            ConnectCommand(action, &QAction::triggered, this, mPlatform.dialogs,
+                           [this, index = button.index] { Tool(index); });
         }
-        const QString tip = QString::fromUtf16(button.toolTip);
-        auto* action = new QAction(
-            QIcon(QStringLiteral(":/icons/toolbar/%1.svg").arg(QLatin1String(button.icon))),
-            PlainCaption(tip), this);
-        action->setObjectName(QLatin1String(button.name));
-        action->setToolTip(tip);
-        if (button.state == EntryState::NotYet) {
-            action->setEnabled(false);
-            action->setToolTip(tip + u'\n' + NotYetTip(tip));
-        }
-        connect(action, &QAction::triggered, this, [this, index = button.index] { Tool(index); });
-        mToolBar->addAction(action);
-        mToolBar->widgetForAction(action)->setObjectName(QLatin1String(button.name)
-                                                         + QStringLiteral("Button"));
-        mToolBar->widgetForAction(action)->setAccessibleName(PlainCaption(tip));
     }
 
     mToolBar->addSeparator();

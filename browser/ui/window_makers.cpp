@@ -1,10 +1,12 @@
 #include "browser/ui/window_makers.h"
 
 #include "metadata/ui/frmToolTagEdit.h"
+#include "viewer/ui/frmToolImageDisplay.h"
 
 namespace quillane {
 
-void RegisterWindows(WindowRegistry& windows, Session& session, Platform platform, QWidget* owner)
+void RegisterWindows(WindowRegistry& windows, Session& session, SettingsStore& store,
+                     Platform platform, BrowserHost& host, QWidget* owner)
 {
     const auto tell = [&](const char* name, const WindowRegistry::Maker& maker) {
         if (!windows.Knows(QLatin1String(name))) {
@@ -13,6 +15,9 @@ void RegisterWindows(WindowRegistry& windows, Session& session, Platform platfor
     };
     tell("frmToolTagEdit",
          [&session, platform, owner] { return new frmToolTagEdit(session, platform, owner); });
+    tell("frmToolImageDisplay", [&session, &store, platform, &host, owner] {
+        return new frmToolImageDisplay(session, store, platform, &host, owner);
+    });
 }
 
 } // namespace quillane

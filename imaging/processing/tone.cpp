@@ -182,13 +182,23 @@ Bitmap Contrast(const Bitmap& picture, const Region* region, qint32 value)
     return WithCurve(picture, region, [=](double level) { return Steepened(level, 0.5, steep); });
 }
 
+double MeanIntensity(const Bitmap& picture, const Region* region)
+{
+    NeedPicture(picture);
+    return CountLevels(InForm(picture, PixelForm::Full), region, CountedLevels::Intensity).Mean();
+}
+
+Bitmap ContrastAround(const Bitmap& picture, const Region* region, qint32 value, double mean)
+{
+    const double steep = ToneValue(value);
+    return WithCurve(picture, region, [=](double level) { return Steepened(level, mean, steep); });
+}
+
 Bitmap HistogramContrast(const Bitmap& picture, const Region* region, qint32 value)
 {
     NeedPicture(picture);
     const Bitmap from = InForm(picture, PixelForm::Full);
-    const double mean = CountLevels(from, region, CountedLevels::Intensity).Mean();
-    const double steep = ToneValue(value);
-    return WithCurve(from, region, [=](double level) { return Steepened(level, mean, steep); });
+    return ContrastAround(from, region, value, MeanIntensity(from, region));
 }
 
 Bitmap GammaCorrect(const Bitmap& picture, const Region* region, qint32 gamma)

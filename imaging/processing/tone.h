@@ -19,6 +19,10 @@ Bitmap Contrast(const Bitmap& picture, const Region* region, qint32 value);
 /// As Contrast, around the mean intensity of the picture or of the region instead of middle grey,
 /// so that its brightness as a whole stays.
 Bitmap HistogramContrast(const Bitmap& picture, const Region* region, qint32 value);
+/// What HistogramContrast goes around, 0..1; 0 for a region beside the picture.
+double MeanIntensity(const Bitmap& picture, const Region* region);
+/// HistogramContrast around a mean that is known: that of a larger picture whose part this is.
+Bitmap ContrastAround(const Bitmap& picture, const Region* region, qint32 value, double mean);
 /// Raises values v of 0..1 to the power 100 / gamma: above 100 brightens. gamma 1..10000.
 Bitmap GammaCorrect(const Bitmap& picture, const Region* region, qint32 gamma);
 /// The negative.

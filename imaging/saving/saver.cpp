@@ -55,7 +55,7 @@ void ReadBack(const QString& draft, const SaveJob& job, const SavePlan& plan)
     }
 }
 
-/// The file that was just written, as if the picture had been loaded from it.
+/// The file that was just written, in whichever format, as if the picture had been loaded from it.
 std::shared_ptr<const LoadedFile> Reloaded(const SaveJob& job, const SavePlan& plan)
 {
     auto source = std::make_shared<FileSource>(job.path);
@@ -64,7 +64,12 @@ std::shared_ptr<const LoadedFile> Reloaded(const SaveJob& job, const SavePlan& p
     const bool same = plan.pixelsStay
         || (!plan.variant->lossy
             && (job.request.bits == 0 || job.request.bits == job.loaded->facts.bits));
-    return std::make_shared<LoadedFile>(job.path, std::move(source), job.loaded->codec, facts,
+    constexpr qint64 kMarkBytes = 512; // that codecs know a file by
+    const Codec* codec = FindCodec(source->Head(kMarkBytes), QStringView());
+    if (!codec) {
+        codec = job.loaded->codec;
+    }
+    return std::make_shared<LoadedFile>(job.path, std::move(source), codec, facts,
                                         same ? job.picture.Pixels().cacheKey() : 0,
                                         !plan.pixelsStay || job.loaded->exact);
 }
@@ -90,7 +95,7 @@ std::shared_ptr<const LoadedFile> SavePicture(const SaveJob& job)
     options.verify = [&](const QString& draft) { ReadBack(draft, job, plan); };
     SaveAtomically(job.path, content, options);
     std::shared_ptr<const LoadedFile> next = job.loaded;
-    if (plan.inPlace) {
+    if (plan.inPlace || (job.loaded && job.path == job.loaded->path)) {
         // What happens to the file from here on does not undo that it was saved.
         ResumeNext([&] { next = Reloaded(job, plan); });
     }

@@ -1,6 +1,7 @@
 #pragma once
 // The dialogs in which a person chooses the picture to open, and name and format to save under.
 #include "imaging/bitmap.h"
+#include "viewer/save_choices.h"
 #include <QString>
 
 class QWidget;
@@ -17,19 +18,6 @@ struct SaveDialogStart {
     qint32 bits = 0;   ///< per pixel that are chosen at first, when the format has them
     qint32 quality = 10;
     Bitmap picture; ///< for the preview; empty: none
-};
-
-/// What was chosen in FileSaveDialog.
-struct SaveDialogChoice {
-    QString file;
-    qint16 format = 0;    ///< format code
-    qint32 subFormat = 0; ///< position within the format's type
-    qint32 bits = 24;     ///< per pixel
-    qint32 quality = 10;  ///< 2..255, 2 the best
-    bool stampWanted = false;
-    qint32 stampBits = 24;
-    float stampSize = 0;  ///< width and height of the stamp's box, pixels
-    qint32 multiPage = 0; ///< above 0: append a page
 };
 
 /// The chosen path. Failure kFailureCancelled when the dialog was cancelled.

@@ -121,4 +121,13 @@ void ScanSourceDialog::ShowWhetherChosen()
     mSelect->setEnabled(!mList->selectedItems().isEmpty());
 }
 
+void ChooseScanSource(Scanner& scanner, QWidget* owner)
+{
+    TwainSelect(scanner, [owner](SourceSearch& search, const QString& current) {
+        ScanSourceDialog dialog(search, current, owner);
+        const bool chosen = dialog.exec() == QDialog::Accepted && !dialog.Chosen().isEmpty();
+        return chosen ? std::optional(dialog.Chosen()) : std::nullopt;
+    });
+}
+
 } // namespace quillane

@@ -33,4 +33,7 @@ private:
     QPushButton* mAgain;
 };
 
+/// Has a person choose the scanner for this run of the program (TwainSelect).
+void ChooseScanSource(Scanner& scanner, QWidget* owner);
+
 } // namespace quillane

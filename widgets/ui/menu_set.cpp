@@ -1,4 +1,4 @@
-#include "browser/ui/main_menus.h"
+#include "widgets/ui/menu_set.h"
 
 #include <QIcon>
 #include <QKeySequence>
@@ -6,21 +6,26 @@
 
 namespace quillane {
 
-MainMenus::MainMenus(QMenuBar* bar, QWidget* owner) : mBar(bar)
+MenuSet::MenuSet(std::span<const MenuEntry> table, QMenuBar* bar, QWidget* owner) : mBar(bar)
 {
-    for (const MenuEntry& entry : MainMenu()) {
-        AddEntry(entry, owner);
-    }
-    auto* popup = new QMenu(owner);
-    popup->setObjectName(QStringLiteral("mnuPopUp"));
-    popup->setToolTipsVisible(true);
-    mMenus.insert(popup->objectName(), popup);
-    for (const MenuEntry& entry : PopupMenu()) {
+    for (const MenuEntry& entry : table) {
         AddEntry(entry, owner);
     }
 }
 
-void MainMenus::AddEntry(const MenuEntry& entry, QWidget* owner)
+QMenu* MenuSet::AddPopup(const char* name, std::span<const MenuEntry> table, QWidget* owner)
+{
+    auto* popup = new QMenu(owner);
+    popup->setObjectName(QLatin1String(name));
+    popup->setToolTipsVisible(true);
+    mMenus.insert(popup->objectName(), popup);
+    for (const MenuEntry& entry : table) {
+        AddEntry(entry, owner);
+    }
+    return popup;
+}
+
+void MenuSet::AddEntry(const MenuEntry& entry, QWidget* owner)
 {
     const QString parentName = QLatin1String(entry.menu);
     const QString name = QLatin1String(entry.name);
@@ -61,24 +66,47 @@ void MainMenus::AddEntry(const MenuEntry& entry, QWidget* owner)
     mActions.insert(name, action);
 }
 
-void MainMenus::SetEnabled(const QString& name, bool allowed)
+void MenuSet::SetEnabled(const QString& name, bool allowed)
 {
     if (QAction* action = Action(name)) {
         action->setEnabled(allowed && IsBuilt(name));
     }
 }
 
-void MainMenus::SetChecked(const QString& name, bool checked)
+void MenuSet::SetChecked(const QString& name, bool checked)
 {
     if (QAction* action = Action(name)) {
         action->setChecked(checked);
     }
 }
 
-bool MainMenus::IsChecked(const QString& name) const
+bool MenuSet::IsChecked(const QString& name) const
 {
     const QAction* action = Action(name);
     return action && action->isChecked();
+}
+
+QAction* AddToolButton(QToolBar* bar, const ToolButton& button)
+{
+    if (button.name[0] == '\0') {
+        bar->addSeparator();
+        return nullptr;
+    }
+    const QString tip = QString::fromUtf16(button.toolTip);
+    auto* action =
+        new QAction(QIcon(QStringLiteral(":/icons/toolbar/%1.svg").arg(QLatin1String(button.icon))),
+                    PlainCaption(tip), bar->window());
+    action->setObjectName(QLatin1String(button.name));
+    action->setToolTip(tip);
+    if (button.state == EntryState::NotYet) {
+        action->setEnabled(false);
+        action->setToolTip(tip + u'\n' + NotYetTip(tip));
+    }
+    bar->addAction(action);
+    QWidget* widget = bar->widgetForAction(action);
+    widget->setObjectName(QLatin1String(button.name) + QStringLiteral("Button"));
+    widget->setAccessibleName(PlainCaption(tip));
+    return action;
 }
 
 } // namespace quillane
