@@ -23,8 +23,4 @@ void MakeRegion(EngineInstance& instance, RegionTool tool, const QRectF& places,
 /// Where a floater lies that was taken hold of at one place and dragged to another: whole pixels.
 QPoint FloaterPlace(QPoint start, const QPointF& from, const QPointF& to);
 
-/// The largest size of the picture's shape that fits a frame: where the picture is wider than the
-/// frame in proportion its width fills the frame, otherwise its height. Empty where one is.
-QSize ShapeInFrame(QSize picture, QSize frame);
-
 } // namespace quillane

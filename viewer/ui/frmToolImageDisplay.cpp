@@ -332,6 +332,9 @@ void frmToolImageDisplay::LoadImage()
     const QString file = mHeld.file;
     const auto cancelled = std::make_shared<std::atomic<bool>>(false);
     const auto viewed = std::make_shared<ViewedFile>();
+    const auto lead = std::make_shared<EngineInstance>();
+    const auto held = std::make_shared<ViewerPicture>(mHeld);
+    bool another = false;
     {
         const BusyScope busy(*this);
         mLoading = true;
@@ -345,31 +348,32 @@ void frmToolImageDisplay::LoadImage()
                            mView->ShowReduced(look->image, look->whole);
                        }
                    });
-        RunAside(mPlatform.loop, [&] { *viewed = LoadViewedFile(file, cancelled.get()); });
+        RunAside(mPlatform.loop, [&] {
+            *viewed = LoadViewedFile(file, cancelled.get());
+            if (viewed->picture) {
+                lead->Adopt(std::move(*viewed->picture));
+                viewed->picture.reset();
+            }
+            NoteLoaded(*held, *lead, file);
+        });
         if (!self) {
             throw Failure(kFailureCancelled, QStringLiteral("The window is gone."));
         }
         mLoading = false;
+        another = mReopenWanted;
         *cancelled = true; // a look that is still under way is not needed any more
     }
-    if (viewed->picture || !mReopenWanted) {
-        Adopt(std::move(*viewed));
+    if (!lead->HasBitmap() && another) {
+        return; // another file takes its place, soon
     }
+    LEAD1 = std::move(*lead);
+    mHeld = *held;
+    Adopt(*viewed);
 }
 
-void frmToolImageDisplay::Adopt(ViewedFile viewed)
+void frmToolImageDisplay::Adopt(const ViewedFile& viewed)
 {
     mStat = viewed.stat;
-    if (viewed.picture) {
-        LEAD1.Adopt(std::move(*viewed.picture));
-        viewed.picture.reset();
-    }
-    NoteLoaded(mHeld, LEAD1, viewed.file);
-    if (!LEAD1.HasBitmap()) {
-        mHeld.format = 0;
-        mHeld.bits = 0;
-        mHeld.loaded.reset();
-    }
     ShowPicture();
     setWindowTitle(mSession.gsAppTitle + QStringLiteral("  View/Enhance Image     File: ")
                    + viewed.file);

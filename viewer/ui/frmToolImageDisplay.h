@@ -125,7 +125,7 @@ private:
     void GatherTexts();
 
     // What is shown.
-    void Adopt(ViewedFile viewed);
+    void Adopt(const ViewedFile& viewed);
     void ShowPicture();
     void ShowFacts();
     void ShowTool();

@@ -80,7 +80,6 @@ private:
     void MoveFloaterTo(const QPointF& client);
     void DropFloater();
     void EndBand();
-    void ShapeOfBand();
     void LeaveFloater();
     void RefreshPointer(const QPointF& client, Qt::KeyboardModifiers modifiers);
     bool IsMovable(const QPointF& client, Qt::KeyboardModifiers modifiers) const;

@@ -18,8 +18,6 @@ namespace {
 
 constexpr qint32 kPaletteAndRegion = 0;  // flags of the clipboard; both are always honoured
 constexpr qint32 kWhitePaper = 0xFFFFFF; // what a cut leaves behind
-constexpr qint32 kRectangleBand = 0;
-constexpr qint32 kFreeHandBand = 2;
 constexpr qint32 kZoomStep = 10;
 
 enum ViewerButton : quint8 {
@@ -229,11 +227,11 @@ void frmToolImageDisplay::ToolPressed(int position)
         break;
     case kRectangleButton:
         TakeUndoCopy();
-        mTools->StartRubberBand(kRectangleBand);
+        mTools->StartRubberBand(kBandRectangle);
         break;
     case kFreeHandButton:
         TakeUndoCopy();
-        mTools->StartRubberBand(kFreeHandBand);
+        mTools->StartRubberBand(kBandFreeHand);
         break;
     case kCropButton:
         mTools->Crop();
