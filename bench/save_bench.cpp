@@ -2,6 +2,7 @@
 // the bare codec on the same bytes.
 //
 //   bench_save [folder]   keeps its pictures below that folder and uses them again
+#include "bare_jpeg.h"
 #include "bench_support.h"
 #include "core/native_path.h"
 #include "imaging/comments/slots.h"
@@ -14,6 +15,8 @@
 #include <jpeglib.h>
 
 using namespace quillane;
+using bench::BarePicture;
+using bench::DecodeBarely;
 
 namespace {
 
@@ -22,33 +25,6 @@ constexpr int kTagged = 200;
 constexpr int kRounds = 9;
 constexpr qint32 kFactor = 10; ///< the program's quality factor
 constexpr double kMostOverCodec = 1.1;
-
-struct BarePicture {
-    JDIMENSION width = 0, height = 0;
-    QImage pixels;
-};
-
-BarePicture DecodeBarely(const QByteArray& bytes)
-{
-    jpeg_decompress_struct info{};
-    jpeg_error_mgr errors{};
-    info.err = jpeg_std_error(&errors);
-    jpeg_create_decompress(&info);
-    jpeg_mem_src(&info, reinterpret_cast<const unsigned char*>(bytes.constData()),
-                 static_cast<unsigned long>(bytes.size()));
-    jpeg_read_header(&info, TRUE);
-    info.out_color_space = JCS_EXT_BGRX;
-    jpeg_start_decompress(&info);
-    BarePicture picture{info.output_width, info.output_height, {}};
-    picture.pixels = QImage(int(info.output_width), int(info.output_height), QImage::Format_RGB32);
-    while (info.output_scanline < info.output_height) {
-        JSAMPROW row = picture.pixels.scanLine(int(info.output_scanline));
-        jpeg_read_scanlines(&info, &row, 1);
-    }
-    jpeg_finish_decompress(&info);
-    jpeg_destroy_decompress(&info);
-    return picture;
-}
 
 QByteArray EncodeBarely(const BarePicture& picture, int across, int down)
 {

@@ -1,5 +1,6 @@
 #include "browser/preview_loader.h"
 
+#include "imaging/thumbs/shown_small.h"
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
@@ -37,18 +38,11 @@ PreviewPicture ReadPreviewPicture(const QString& path, QSize box,
         request.atLeast = box;
         request.cancelled = &cancelled;
         picture.loaded = LoadFile(path, request);
-        const QImage& pixels = picture.loaded.bitmap.Pixels();
-        Bitmap small = picture.loaded.bitmap;
-        if (pixels.width() > 2 * box.width() && pixels.height() > 2 * box.height()
-            && small.Model() == ColourModel::Rgb) {
-            // A cheap first step; colour conversion and the smooth step then work on less.
-            small.Pixels() = pixels.scaled(box * 2, Qt::KeepAspectRatio, Qt::FastTransformation);
-        }
-        QImage shown = small.ToDisplay();
-        if (shown.width() > box.width() || shown.height() > box.height()) {
-            shown = shown.scaled(box, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-        }
-        picture.shown = shown;
+        const Bitmap& bitmap = picture.loaded.bitmap;
+        const QSize size = bitmap.Pixels().size();
+        picture.shown = size.width() > box.width() || size.height() > box.height()
+            ? ShrunkForDisplay(bitmap, size.scaled(box, Qt::KeepAspectRatio).expandedTo({1, 1}))
+            : bitmap.ToDisplay();
     } catch (const Failure& failure) {
         picture.failure = failure.Description();
     }

@@ -1,4 +1,5 @@
 #pragma once
+#include "core/twips.h"
 // The arithmetic of the splitter bar and of fitting the window to the screen, in pixels.
 #include <QRect>
 
@@ -30,7 +31,5 @@ SplitPanes ArrangePanes(const QRect& client, int top, int heightOffset, int left
 /// too wide, the screen's width and left 0.
 QRect FitToScreen(const QRect& window, QSize screen);
 
-/// Stored positions count 15 to a pixel.
-inline constexpr int kTwipsPerPixel = 15;
 
 } // namespace quillane

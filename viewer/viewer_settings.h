@@ -1,4 +1,5 @@
 #pragma once
+#include "core/twips.h"
 // What the viewer keeps from one run to the next: its place on the screen and its zoom.
 #include "core/settings_table.h"
 #include <QSizeF>
@@ -7,7 +8,6 @@
 
 namespace quillane {
 
-inline constexpr int kTwipsPerPixel = 15;
 
 struct ZoomItem {
     const char* name;

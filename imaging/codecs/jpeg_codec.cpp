@@ -73,6 +73,17 @@ void JpegRefuseKind(const JpegHeader& header)
     }
 }
 
+/// A few bytes can claim any size, and every block of it takes its time even where the picture is
+/// decoded smaller; arithmetic codes take four times as long.
+void JpegRefuseSize(const JpegHeader& header)
+{
+    constexpr qint64 kMost = 1'000'000'000, kMostArithmetic = 100'000'000;
+    if (qint64(header.width) * header.height > (header.IsArithmetic() ? kMostArithmetic : kMost)) {
+        TooMuch(kJpegName,
+                QStringLiteral("has %1 x %2 pixels").arg(header.width).arg(header.height));
+    }
+}
+
 /// Middle grey in the rows that are missing.
 void JpegFillRest(QImage& image, int rows)
 {
@@ -123,6 +134,7 @@ Bitmap JpegDecode(ByteSource& source, const DecodeRequest& request)
     CheckCancelled(request);
     JpegHeader header = ReadJpegHeader(source, true);
     JpegRefuseKind(header);
+    JpegRefuseSize(header);
 
     JpegStart start;
     start.bytes = &source;

@@ -5,6 +5,7 @@
 #include "imaging/thumbs/area_shrink.h"
 #include "imaging/thumbs/exif_preview.h"
 #include "imaging/thumbs/freedesktop_cache.h"
+#include "imaging/thumbs/shown_small.h"
 
 #include <QDateTime>
 #include <algorithm>
@@ -49,27 +50,6 @@ bool SameShape(QSize a, QSize b)
 {
     const double ratio = double(a.width()) * b.height() / (double(a.height()) * b.width());
     return std::abs(ratio - 1) <= kShapeTolerance;
-}
-
-/// Small and ready for the screen. Colours are converted when there are few pixels left of them.
-QImage ShrunkForDisplay(const Bitmap& bitmap, QSize size)
-{
-    const QImage& pixels = bitmap.Pixels();
-    const bool direct = pixels.format() == QImage::Format_RGB32
-        || (bitmap.Model() == ColourModel::Cmyk && pixels.format() == QImage::Format_RGBA8888);
-    if (direct) {
-        Bitmap small = bitmap;
-        small.Pixels() = ShrinkByArea(pixels, size);
-        return small.ToDisplay();
-    }
-    if (pixels.format() == QImage::Format_ARGB32) {
-        Bitmap small = bitmap;
-        small.Pixels() =
-            ShrinkByArea(pixels.convertToFormat(QImage::Format_ARGB32_Premultiplied), size)
-                .convertToFormat(QImage::Format_ARGB32);
-        return small.ToDisplay();
-    }
-    return ShrinkByArea(bitmap.ToDisplay(), size);
 }
 
 QSize Turned(QSize size, int orientation)

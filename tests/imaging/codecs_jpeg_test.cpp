@@ -376,6 +376,20 @@ TEST(JpegDecode, AHugeProgressivePictureDoesNotTakeAllMemory)
               "This JPEG has 60000 x 60000 pixels, which is more than can be read.");
 }
 
+TEST(JpegDecode, AClaimOfHugeSizeIsRefusedHoweverSmallItIsWished)
+{
+    QByteArray bytes = MakeJpeg({});
+    const qsizetype size = JpegFrameAt(bytes) + 5;
+    bytes.replace(size, 4, QByteArray::fromHex("ffdcffdc"));
+    DecodeRequest request;
+    request.atLeast = QSize(16, 16);
+    const making::Refusal refusal = RefusalOf([&] { DecodeBytes(bytes, request); });
+    EXPECT_EQ(refusal.number, kFailureLimit);
+    EXPECT_EQ(
+        refusal.words,
+        QStringLiteral("This JPEG has 65500 x 65500 pixels, which is more than can be read."));
+}
+
 TEST(JpegDecode, StopsWhenCancelled)
 {
     const std::atomic<bool> cancelled = true;
