@@ -87,9 +87,7 @@ void frmToolImageDisplay::BuildToolBar()
         action->setVisible(button.index != kDrawTextButton && button.index != kDrawButton);
         ConnectCommand(action, &QAction::triggered, this, mPlatform.dialogs,
                        [this, index = button.index] {
-                           if (mBusy == 0) {
-                               Try([this, index] { ToolPressed(index); });
-                           }
+                           Begun([this, index] { ToolPressed(index); });
                        });
     }
     for (const ButtonKeys& row : kButtonKeys) {
@@ -105,12 +103,18 @@ void frmToolImageDisplay::BuildToolBar()
 void frmToolImageDisplay::Command(const char* name, const std::function<void()>& command)
 {
     ConnectCommand(mMenus.Action(QLatin1String(name)), &QAction::triggered, this, mPlatform.dialogs,
-                   [this, command] {
-                       if (mBusy == 0) {
-                           Try(command);
-                       }
-                       ShowTool();
-                   });
+                   [this, command] { Begun(command); });
+}
+
+void frmToolImageDisplay::Begun(const std::function<void()>& command)
+{
+    const QPointer<frmToolImageDisplay> self(this);
+    if (mBusy == 0) {
+        Try(command);
+    }
+    if (self) {
+        ShowTool();
+    }
 }
 
 void frmToolImageDisplay::ConnectFileMenu()
@@ -242,7 +246,6 @@ void frmToolImageDisplay::ToolPressed(int position)
     default:
         break;
     }
-    ShowTool();
 }
 
 void frmToolImageDisplay::OnCopy(const std::function<void(EngineInstance&)>& work)
