@@ -37,7 +37,7 @@ public:
 
     /// Pixels of the picture; empty for none.
     QSize PictureSize() const { return mFull.IsEmpty() ? mEarly.picture : mFull.picture; }
-    bool HasAlpha() const;
+    bool HasAlpha() const; ///< whether something shows through it
     /// Whether what was painted last is as good as it gets.
     bool IsFinished() const;
     /// Memory of tiles and reduced copies.

@@ -16,11 +16,12 @@ struct PictureSource {
     QSizeF extent;      ///< of the picture, in pixels of `bitmap`
     bool mixes = false; ///< 8-bit pixels are positions between the colours of a black-and-white one
 
+    /// The picture itself.
     static PictureSource Whole(const Bitmap& bitmap);
     /// A picture that is ready for the screen and stands for one of that size.
     static PictureSource StandIn(const QImage& image, QSize picture);
     bool IsEmpty() const { return bitmap.IsNull(); }
-    bool HasAlpha() const;
+    bool HasAlpha() const; ///< whether something shows through it
     qint64 Bytes() const { return qint64(bitmap.Pixels().sizeInBytes()); }
     /// Whether it has at least a pixel for each of the picture painted at that size.
     bool ReachesTo(QSize shown) const

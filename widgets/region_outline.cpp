@@ -7,6 +7,8 @@ namespace quillane {
 
 namespace {
 
+constexpr int kOutlineThin = 3; ///< screen pixels, between which all of a region may fall
+
 /// The screen pixels whose centres lie between two places along one side; at least one.
 struct OutlineSide {
     int first, last;
@@ -109,7 +111,8 @@ std::vector<QPoint> OutlineOnScreen(const Region& region, const ViewGeometry& ge
         rows[0].swap(rows[1]);
         rows[1].swap(rows[2]);
     }
-    return any ? points : OutlineOfRectangle(edges, all);
+    const bool thin = edges.width() <= kOutlineThin || edges.height() <= kOutlineThin;
+    return any || !thin ? points : OutlineOfRectangle(edges, all);
 }
 
 } // namespace quillane

@@ -1,4 +1,4 @@
-#include "gui/widgets_support.h"
+#include "gui/engine_view_support.h"
 #include "widgets/ui/engine_view.h"
 
 #include <QScrollBar>
@@ -6,17 +6,6 @@
 namespace quillane {
 
 namespace {
-
-QImage Numbered(QSize size)
-{
-    QImage picture(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x) {
-            picture.setPixelColor(x, y, QColor(x % 256, y % 256, (x / 256 + y / 256) * 16));
-        }
-    }
-    return picture;
-}
 
 class EngineViewTest : public testing::Test {
 protected:
