@@ -12,6 +12,8 @@ namespace {
 
 /// Operations on single pixels are tried on so many at most.
 constexpr qint64 kNearPixels = 16'000'000;
+/// The same while values change from moment to moment.
+constexpr qint64 kDraftPixels = 1'500'000;
 /// Palettes are sought among so many at most.
 constexpr qint64 kPalettePixels = 1'000'000;
 /// From here on a picture of few bits is reduced strip by strip: its colours in full would need
@@ -186,13 +188,13 @@ PreviewSource::PreviewSource(Bitmap picture, Region region)
       mRegion(std::move(region))
 { }
 
-QSize PreviewSource::WorkSize(QSize fitted, EffectReach reach) const
+QSize PreviewSource::WorkSize(QSize fitted, EffectReach reach, bool draft) const
 {
     switch (reach) {
     case EffectReach::Near:
-        return PreviewCapped(PictureSize(), kNearPixels).expandedTo(fitted);
+        return PreviewCapped(PictureSize(), draft ? kDraftPixels : kNearPixels).expandedTo(fitted);
     case EffectReach::Palette:
-        return PreviewCapped(PictureSize(), kPalettePixels).expandedTo(fitted);
+        return draft ? fitted : PreviewCapped(PictureSize(), kPalettePixels).expandedTo(fitted);
     default:
         return fitted;
     }
@@ -210,7 +212,16 @@ const PreviewSource::Copy& PreviewSource::ReducedTo(std::optional<Copy>& kept, Q
     return *kept;
 }
 
-PreviewLook PreviewSource::LookFitted(QSize room, const EffectWish& wish)
+bool PreviewSource::HasDraft(const PreviewView& view, const EffectWish& wish) const
+{
+    if (!view.fit || !wish.work || mPicture.IsNull()) {
+        return false;
+    }
+    const QSize fitted = PreviewFit(PictureSize(), view.room);
+    return WorkSize(fitted, wish.reach, true) != WorkSize(fitted, wish.reach, false);
+}
+
+PreviewLook PreviewSource::LookFitted(QSize room, const EffectWish& wish, bool draft)
 {
     const QSize fitted = PreviewFit(PictureSize(), room);
     PreviewLook look;
@@ -223,8 +234,8 @@ PreviewLook PreviewSource::LookFitted(QSize room, const EffectWish& wish)
     look.before = mFitted->shown;
     look.after = look.before;
     if (wish.work) {
-        const QSize size = WorkSize(fitted, wish.reach);
-        const Copy& worked = size == fitted ? small : ReducedTo(mFine, size);
+        const QSize size = WorkSize(fitted, wish.reach, draft);
+        const Copy& worked = size == fitted ? small : ReducedTo(draft ? mDraft : mFine, size);
         const Bitmap result =
             wish.work({worked.picture, RegionOf(worked), worked.reduction, nullptr, nullptr});
         // What became larger is shown whole, what became smaller at the same reduction.
@@ -267,13 +278,13 @@ PreviewLook PreviewSource::LookAtPart(const PreviewView& view, const EffectWish&
     return look;
 }
 
-PreviewLook PreviewSource::Look(const PreviewView& view, const EffectWish& wish)
+PreviewLook PreviewSource::Look(const PreviewView& view, const EffectWish& wish, bool draft)
 {
     if (mPicture.IsNull() || view.room.isEmpty()) {
         return {};
     }
     const auto look = [&](const EffectWish& tried) {
-        return view.fit || tried.reach == EffectReach::Turn ? LookFitted(view.room, tried)
+        return view.fit || tried.reach == EffectReach::Turn ? LookFitted(view.room, tried, draft)
                                                             : LookAtPart(view, tried);
     };
     try {

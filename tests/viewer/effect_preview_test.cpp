@@ -165,6 +165,28 @@ TEST(PreviewSource, AFittedLookIsWhatTheWholePictureWouldLookLike)
     }
 }
 
+TEST(PreviewSource, ADraftIsCloseToTheLook)
+{
+    const Bitmap picture = SmoothPicture({3000, 2000});
+    PreviewSource source(picture, {});
+    const PreviewView view{true, kRoom, {}};
+    int row = 0;
+    for (const EffectWish& wish :
+         {Value(1, 900), NoiseWish(200, 0), EmbossWish(2, 1000), Value(64, 4500)}) {
+        SCOPED_TRACE(row);
+        const double most = row++ == 3 ? 6 : 3; // a mean of few dots is a rough one
+        EXPECT_TRUE(source.HasDraft(view, wish));
+        EXPECT_FALSE(source.HasDraft({false, kRoom, {}}, wish)) << "a part is quick as it is";
+        const QImage look = source.Look(view, wish).after;
+        EXPECT_LE(MeanDifference(source.Look(view, wish, true).after, look), most);
+        EXPECT_LE(MeanDifference(look, Truth(picture, nullptr, wish)), 1);
+    }
+    EXPECT_TRUE(source.HasDraft(view, DepthWish(8, 0, 1)));
+    EXPECT_FALSE(source.HasDraft(view, Value(2, 300))) << "pixels by themselves need none";
+    EXPECT_FALSE(source.HasDraft(view, {}));
+    EXPECT_FALSE(PreviewSource(SmoothPicture({300, 200}), {}).HasDraft(view, Value(1, 900)));
+}
+
 TEST(PreviewSource, APartInFullSizeIsExactlyThatPartOfTheResult)
 {
     const Bitmap picture = SmoothPicture({700, 500});

@@ -160,6 +160,10 @@ Histogram::Histogram(const EngineInstance& LEAD1, QWidget* parent)
     mMost->setAccessibleName(tr("Pixels of the fullest level"));
     mHalf->setObjectName(QStringLiteral("YMaxDiv2"));
     mHalf->setAccessibleName(tr("Half of that"));
+    // Room for the largest number there can be, so that nothing moves with the channel.
+    const qint64 all = qint64(mPicture.Width()) * mPicture.Height();
+    mMost->setMinimumWidth(mMost->fontMetrics().horizontalAdvance(TextOf(double(all) + 0.5)));
+    mMost->setAlignment(Qt::AlignRight);
     auto* scale = new QVBoxLayout;
     scale->addWidget(mMost, 0, Qt::AlignRight | Qt::AlignTop);
     scale->addStretch(1);
@@ -174,10 +178,10 @@ Histogram::Histogram(const EngineInstance& LEAD1, QWidget* parent)
 
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close);
     buttons->button(QDialogButtonBox::Close)->setObjectName(QStringLiteral("CloseButton"));
-    auto* all = new QVBoxLayout(this);
-    all->addLayout(options);
-    all->addLayout(drawing, 1);
-    all->addWidget(buttons);
+    auto* window = new QVBoxLayout(this);
+    window->addLayout(options);
+    window->addLayout(drawing, 1);
+    window->addWidget(buttons);
 
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(mChannels, &QButtonGroup::idToggled, this, [this](int, bool on) {

@@ -23,6 +23,7 @@ public:
               const QColor& colour);
     /// Words in place of lines.
     void ShowWords(const QString& words);
+    const QString& Words() const { return mWords; } ///< empty while lines are drawn
     QSize sizeHint() const override { return {540, 240}; }
     QSize minimumSizeHint() const override { return {270, 120}; }
 

@@ -38,6 +38,7 @@ Resize::Side Resize::MakeSide(int number, QGroupBox*& frame)
     Side side{new QScrollBar(Qt::Horizontal), new NumberBox};
     side.bar->setObjectName(QStringLiteral("Value%1Bar").arg(number));
     side.bar->setFocusPolicy(Qt::StrongFocus);
+    side.bar->setInvertedControls(false); // the right arrow key means more
     side.bar->setMinimumWidth(kResizeBarWidth);
     side.bar->setPageStep(kResizeLargeChange);
     side.bar->setSingleStep(kResizeSmallChange);

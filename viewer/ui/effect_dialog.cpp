@@ -42,6 +42,9 @@ EffectDialog::EffectDialog(QWidget* owner, const QString& name, const QString& t
     all->addLayout(mRows);
     all->addWidget(buttons);
 
+    // Rows come in front of these; the preview follows what is chosen.
+    setTabOrder(reset, accept);
+    setTabOrder(accept, buttons->button(QDialogButtonBox::Cancel));
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     connect(reset, &QPushButton::clicked, this, &EffectDialog::ResetAll);
@@ -68,7 +71,8 @@ void EffectDialog::AddControl(const QString& label, QWidget* control)
         auto* words = new QLabel(label);
         words->setObjectName(control->objectName() + QStringLiteral("Label"));
         words->setBuddy(control);
-        mRows->addWidget(words, row, 0);
+        const bool tall = control->sizeHint().height() > 2 * words->sizeHint().height();
+        mRows->addWidget(words, row, 0, tall ? Qt::AlignTop : Qt::AlignVCenter);
         QString plain = label;
         control->setAccessibleName(plain.remove(u'&').remove(u':'));
     }

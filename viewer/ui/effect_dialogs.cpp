@@ -13,6 +13,7 @@
 #include <QListWidget>
 #include <QRadioButton>
 #include <algorithm>
+#include <memory>
 
 namespace quillane {
 
@@ -43,6 +44,33 @@ void FollowBox(EffectDialog& dialog, QComboBox* box)
     const int start = box->currentIndex();
     dialog.OnReset([box, start] { box->setCurrentIndex(start); });
     QObject::connect(box, &QComboBox::currentIndexChanged, &dialog, &EffectDialog::ValuesChanged);
+}
+
+/// Each takes the other along where they would cross, and lets it back to where it was put when
+/// there is room again: on the way to "40", "4" is typed.
+void CoupleRows(NumberRow* low, NumberRow* high)
+{
+    struct Wished {
+        qint32 low, high;
+        bool taking = false;
+    };
+    const auto wished = std::make_shared<Wished>(Wished{low->Value(), high->Value()});
+    QObject::connect(low, &NumberRow::ValueChanged, high, [=](int value) {
+        if (!wished->taking) {
+            wished->taking = true;
+            wished->low = value;
+            high->SetValue(std::max(value, wished->high));
+            wished->taking = false;
+        }
+    });
+    QObject::connect(high, &NumberRow::ValueChanged, low, [=](int value) {
+        if (!wished->taking) {
+            wished->taking = true;
+            wished->high = value;
+            low->SetValue(std::min(value, wished->low));
+            wished->taking = false;
+        }
+    });
 }
 
 constexpr const char* kNoiseChannels[] = {"All colors", "Red", "Green", "Blue"};
@@ -91,8 +119,8 @@ FilterChoice EffectDialogs::FilterDialog(QWidget* owner, quint32 flags)
     list->setCurrentRow(0);
     const int rows = std::max(kFilterRows, list->count());
     list->setFixedHeight(list->sizeHintForRow(0) * rows + 2 * list->frameWidth());
-    list->setFocus();
     dialog->AddControl(EffectDialog::tr("Fi&lter:"), list);
+    list->setFocus();
     const auto code = [list] { return list->currentItem()->data(kFilterCode).toInt(); };
     dialog->OnReset([list] { list->setCurrentRow(0); });
     QObject::connect(list, &QListWidget::currentRowChanged, dialog, &EffectDialog::ValuesChanged);
@@ -148,11 +176,7 @@ IntensityChoice EffectDialogs::IntensityDialog(QWidget* owner, IntensityChoice s
                                     EffectDialog::tr("Intensity Detect"), mPicture, mRegion);
     NumberRow* low = dialog->AddNumber(kIntensityLow, std::min(start.low, start.high));
     NumberRow* high = dialog->AddNumber(kIntensityHigh, std::max(start.low, start.high));
-    // Each takes the other along where they would cross.
-    QObject::connect(low, &NumberRow::ValueChanged, high,
-                     [=](int value) { high->SetValue(std::max(value, high->Value())); });
-    QObject::connect(high, &NumberRow::ValueChanged, low,
-                     [=](int value) { low->SetValue(std::min(value, low->Value())); });
+    CoupleRows(low, high);
     dialog->SetWish([=] { return IntensityWish(low->Value(), high->Value()); });
     dialog->Run([&] { start = {low->Value(), high->Value()}; });
     return start;

@@ -18,7 +18,7 @@ public:
     void ShowBefore(bool before); ///< the picture as it is, as long as wanted
     /// Where the shown picture lies, logical pixels.
     QRectF ImageRect() const;
-    QSize sizeHint() const override { return {480, 340}; }
+    QSize sizeHint() const override { return {520, 390}; }
     QSize minimumSizeHint() const override { return {240, 170}; }
 
 Q_SIGNALS:
