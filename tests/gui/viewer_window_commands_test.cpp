@@ -7,8 +7,6 @@
 #include <QComboBox>
 #include <QListWidget>
 #include <QMenu>
-#include <QMimeData>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSpinBox>
 
@@ -408,97 +406,6 @@ TEST_F(ViewerCommandTest, AreaButtonsTakeTheUndoCopy)
         EXPECT_FALSE(View()->DragEnabled());
     }
     EXPECT_EQ(Pixels(), inverted);
-}
-
-TEST_F(ViewerCommandTest, CopyAndPasteGoThroughTheClipboard)
-{
-    Open(Small());
-    const QImage before = Pixels();
-    Press(7);
-    EXPECT_EQ(QApplication::clipboard()->image().size(), before.size());
-    QImage other(12, 9, QImage::Format_RGB32);
-    other.fill(QColor(50, 60, 70));
-    QApplication::clipboard()->setImage(other);
-    Click("mnuPaste");
-    EXPECT_EQ(Pixels().size(), QSize(12, 9));
-    EXPECT_EQ(UndoPixels(), before) << "as it was loaded: the entry takes no copy";
-    Click("mnuUndoLast");
-    Click("mnuInvert");
-    const QImage inverted = Pixels();
-    Press(8);
-    EXPECT_EQ(Pixels().size(), QSize(12, 9));
-    EXPECT_EQ(UndoPixels(), inverted) << "the button does";
-    Press(10);
-    EXPECT_EQ(Pixels(), inverted);
-    Click("mnuCopy");
-    EXPECT_EQ(QApplication::clipboard()->image().size(), inverted.size());
-}
-
-TEST_F(ViewerCommandTest, CutCopiesAndFillsAndCanBeTakenBack)
-{
-    Open(Small());
-    const QImage before = Pixels();
-    Press(9);
-    EXPECT_EQ(QApplication::clipboard()->image().size(), before.size());
-    EXPECT_EQ(Pixels().pixelColor(7, 7), QColor(Qt::white));
-    Press(10);
-    EXPECT_EQ(Pixels(), before);
-}
-
-TEST_F(ViewerCommandTest, AClipboardWithoutAPictureIsPassedOver)
-{
-    Open(Small());
-    const QImage before = Pixels();
-    QApplication::clipboard()->setText(QStringLiteral("words"));
-    Click("mnuPaste");
-    EXPECT_EQ(Pixels(), before);
-    EXPECT_FALSE(Line().isEmpty());
-    auto* nonsense = new QMimeData;
-    nonsense->setData(QStringLiteral("image/png"), QByteArray("\x89PNG\r\n\x1a\nnonsense"));
-    QApplication::clipboard()->setMimeData(nonsense);
-    Click("mnuPaste");
-    EXPECT_EQ(Pixels(), before);
-}
-
-TEST_F(ViewerCommandTest, NothingBeginsWhileACommandRuns)
-{
-    Open(Copy(QStringLiteral("AST_0101.JPG")));
-    const QImage before = Pixels();
-    int asked = 0;
-    QTimer::singleShot(0, window.get(), [&] {
-        ++asked;
-        ASSERT_TRUE(window->IsBusy());
-        Click("mnuFlipImage");
-        Press(10);
-        QTest::mouseClick(View()->viewport(), Qt::LeftButton);
-        EXPECT_TRUE(Find<QPlainTextEdit>("txtTags")->isReadOnly());
-    });
-    Click("mnuInvert");
-    EXPECT_EQ(asked, 1);
-    QImage inverted = before;
-    inverted.invertPixels();
-    EXPECT_EQ(Pixels(), inverted);
-    EXPECT_FALSE(Find<QPlainTextEdit>("txtTags")->isReadOnly());
-}
-
-TEST_F(ViewerCommandTest, AWindowClosedInTheMiddleOfACommandGoesWhenItHasEnded)
-{
-    const QString file = Copy(QStringLiteral("AST_0101.JPG"));
-    const QByteArray before = Bytes(file);
-    Open(file);
-    QTimer::singleShot(0, window.get(), [this] { window->close(); });
-    Click("mnuInvert");
-    EXPECT_TRUE(QTest::qWaitFor([this] { return !window->Picture().HasBitmap(); }, kWait));
-    EXPECT_FALSE(window->isVisible());
-    EXPECT_EQ(Bytes(file), before);
-}
-
-TEST_F(ViewerCommandTest, AWindowDestroyedInTheMiddleOfACommandHurtsNothing)
-{
-    Open(Copy(QStringLiteral("AST_0101.JPG")));
-    QTimer::singleShot(0, qApp, [this] { window.reset(); });
-    Click("mnuInvert");
-    EXPECT_EQ(window, nullptr);
 }
 
 } // namespace quillane

@@ -85,10 +85,9 @@ void frmToolImageDisplay::BuildToolBar()
                              || button.index == kRectangleButton
                              || button.index == kFreeHandButton);
         action->setVisible(button.index != kDrawTextButton && button.index != kDrawButton);
-        ConnectCommand(action, &QAction::triggered, this, mPlatform.dialogs,
-                       [this, index = button.index] {
-                           Begun([this, index] { ToolPressed(index); });
-                       });
+        ConnectCommand(
+            action, &QAction::triggered, this, mPlatform.dialogs,
+            [this, index = button.index] { Begun([this, index] { ToolPressed(index); }); });
     }
     for (const ButtonKeys& row : kButtonKeys) {
         QAction* action = Toolbar1->window()->findChild<QAction*>(ButtonName(row.position));
