@@ -193,7 +193,8 @@ void frmBrowserMain::closeEvent(QCloseEvent* event)
         // The program ends at once: a scan that runs stops, other windows are not asked.
         mScan.Abandon();
         mLoader.Cancel();
-        QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            qApp, [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
     }
     event->accept();
 }
