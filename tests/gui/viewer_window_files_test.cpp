@@ -6,6 +6,7 @@
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSpinBox>
 
 namespace quillane {
 
@@ -33,6 +34,12 @@ protected:
     {
         const CommentSet set = ReadComments(file);
         return set.At(kDescriptionSlot).IsEmpty() ? QString() : set.At(kDescriptionSlot).Text();
+    }
+    static void Scan(QDialog& dialog)
+    {
+        EXPECT_EQ(dialog.objectName(), QStringLiteral("frmAcquire"));
+        QTest::mouseClick(dialog.findChild<QPushButton*>(QStringLiteral("cmdScan")),
+                          Qt::LeftButton);
     }
     QPlainTextEdit* Tags() const { return Find<QPlainTextEdit>("txtTags"); }
     QString Photograph() { return Copy(QStringLiteral("AST_0101.JPG")); }
@@ -266,14 +273,66 @@ TEST_F(ViewerFileTest, AScannedPageReplacesThePictureAndTheFileKeepsItsName)
     const QString file = Small();
     Open(file);
     Page();
-    Click("mnuAcquireTwain");
+    fakes.scanner.choices.modes = {QStringLiteral("Gray"), QStringLiteral("Color")};
+    fakes.scanner.choices.mode = QStringLiteral("Color");
+    fakes.scanner.choices.resolutions = {100, 300};
+    fakes.scanner.choices.resolution = 300;
+    InDialog([this] { Click("mnuAcquireTwain"); },
+             [](QDialog& dialog) {
+                 EXPECT_EQ(dialog.findChild<QComboBox*>(QStringLiteral("cboMode"))->currentText(),
+                           QStringLiteral("Color"));
+                 auto* dots = dialog.findChild<QComboBox*>(QStringLiteral("cboResolution"));
+                 EXPECT_EQ(dots->currentText(), QStringLiteral("300"));
+                 dots->setCurrentIndex(0);
+                 EXPECT_FALSE(dialog.findChild<QComboBox*>(QStringLiteral("cboFeed"))->isVisible());
+                 Scan(dialog);
+             });
+    EXPECT_EQ(fakes.scanner.acquiredWith.mode, QStringLiteral("Color"));
+    EXPECT_EQ(fakes.scanner.acquiredWith.resolution, 100);
+    EXPECT_EQ(fakes.scanner.acquiredWith.feed, QString());
     EXPECT_EQ(Pixels().size(), QSize(20, 10));
     EXPECT_EQ(View()->ImageSize(), QSize(20, 10));
     EXPECT_EQ(window->File(), file);
     EXPECT_TRUE(window->IsChanged());
     Page(30, 12);
-    Press(5);
+    fakes.scanner.choices = {};
+    fakes.scanner.choices.leastResolution = 75;
+    fakes.scanner.choices.mostResolution = 600;
+    fakes.scanner.choices.resolution = 150;
+    InDialog([this] { Press(5); },
+             [](QDialog& dialog) {
+                 auto* dots = dialog.findChild<QSpinBox*>(QStringLiteral("txtResolution"));
+                 EXPECT_EQ(dots->value(), 150);
+                 EXPECT_EQ(dots->minimum(), 75);
+                 EXPECT_EQ(dots->maximum(), 600);
+                 Scan(dialog);
+             });
+    EXPECT_EQ(fakes.scanner.acquiredWith.resolution, 150);
     EXPECT_EQ(Pixels().size(), QSize(30, 12));
+}
+
+TEST_F(ViewerFileTest, ACancelledScanLeavesThePicture)
+{
+    Open(Small());
+    const QImage before = Pixels();
+    Page();
+    InDialog([this] { Click("mnuAcquireTwain"); },
+             [](QDialog& dialog) { QTest::keyClick(&dialog, Qt::Key_Escape); });
+    EXPECT_EQ(Pixels(), before);
+    EXPECT_EQ(Line(), QString());
+    EXPECT_FALSE(window->IsBusy());
+}
+
+TEST_F(ViewerFileTest, AWindowClosedWhileAScannerIsLookedForEndsTheScan)
+{
+    Open(Small());
+    Page();
+    fakes.scanner.waits = true;
+    QMetaObject::invokeMethod(
+        window.get(), [this] { window->close(); }, Qt::QueuedConnection);
+    Click("mnuAcquireTwain");
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !window->Picture().HasBitmap(); }, kWait));
+    EXPECT_FALSE(window->isVisible());
 }
 
 TEST_F(ViewerFileTest, WithoutAScannerALineSaysSoAndThePictureStays)

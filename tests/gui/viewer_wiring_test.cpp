@@ -2,7 +2,10 @@
 #include "gui/main_window_fixture.h"
 #include "viewer/ui/frmToolImageDisplay.h"
 
+#include <QApplication>
 #include <QPointer>
+#include <QPushButton>
+#include <QTimer>
 
 namespace quillane {
 
@@ -30,6 +33,20 @@ protected:
         Viewer()->close();
         EXPECT_TRUE(QTest::qWaitFor([&] { return viewer.isNull(); }, kWait));
         EXPECT_EQ(Viewer(), nullptr);
+    }
+    /// Triggers an acquire and has the scanner scan as it stands.
+    static void Scanning(const std::function<void()>& trigger)
+    {
+        QTimer timer;
+        QObject::connect(&timer, &QTimer::timeout, [] {
+            QWidget* dialog = QApplication::activeModalWidget();
+            if (dialog && dialog->objectName() == QStringLiteral("frmAcquire")) {
+                QTest::mouseClick(dialog->findChild<QPushButton*>(QStringLiteral("cmdScan")),
+                                  Qt::LeftButton);
+            }
+        });
+        timer.start(5);
+        trigger();
     }
     void Page()
     {
@@ -114,14 +131,14 @@ TEST_F(ViewerWiringTest, AcquireShowsTheViewerWithThePage)
     Page();
     ClickCell(0);
     EXPECT_TRUE(Entry("mnuAcquireTwain")->isEnabled());
-    Click("mnuAcquireTwain");
+    Scanning([this] { Click("mnuAcquireTwain"); });
     ASSERT_NE(Viewer(), nullptr);
     EXPECT_TRUE(Viewer()->isVisible());
     EXPECT_EQ(Viewer()->Picture().Bitmap().Pixels().size(), QSize(20, 10));
     EXPECT_EQ(Viewer()->File(), folder + QStringLiteral("p0.bmp"));
     CloseViewer();
     Page();
-    Find<QAction>("Toolbar1_6")->trigger();
+    Scanning([this] { Find<QAction>("Toolbar1_6")->trigger(); });
     ASSERT_NE(Viewer(), nullptr);
     EXPECT_EQ(Viewer()->Picture().Bitmap().Pixels().size(), QSize(20, 10));
 }
