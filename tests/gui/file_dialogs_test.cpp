@@ -49,6 +49,8 @@ protected:
             [this, act] {
                 dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
                 ASSERT_NE(dialog, nullptr);
+                dialog->activateWindow();
+                ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
                 act();
                 if (dialog && dialog->isVisible()) {
                     static_cast<QDialog*>(dialog)->reject();
@@ -80,6 +82,7 @@ protected:
     /// Types a name in the place of what stands there.
     void Type(const char* name) const
     {
+        Name()->setFocus();
         Name()->selectAll();
         QTest::keyClicks(Name(), QLatin1String(name));
     }
@@ -298,6 +301,22 @@ TEST_F(FileDialogsTest, AChosenFormatChangesTheNameAndATypedNameTheFormat)
     EXPECT_EQ(choice.subFormat, 1);
 }
 
+TEST_F(FileDialogsTest, AChosenFormatWhoseFileIsThereToo)
+{
+    Copy("petals.png");
+    Copy("petals.png", "petals.bmp");
+    WhenShown([this] {
+        Find<QTreeView>("treeView")->setFocus();
+        Type("petals.png");
+        Box("SaveFormat")->setFocus();
+        ChooseType("BMP");
+        EXPECT_EQ(Name()->text(), QStringLiteral("petals.bmp"));
+        AnswerQuestion("cmdYes");
+        Accept();
+    });
+    EXPECT_EQ(FileSaveDialog(nullptr, Start("petals.png")).file, folder.Path("petals.bmp"));
+}
+
 TEST_F(FileDialogsTest, ControlsAreEnabledWhereTheFormatHasWhatTheyChoose)
 {
     Copy("petals.png");
@@ -454,7 +473,8 @@ TEST_F(FileDialogsTest, NamesThatCannotBeTakenAreRefusedInWords)
         static_cast<QDialog*>(dialog)->accept();
         EXPECT_EQ(hint->text(),
                   QStringLiteral("\"folder.png\" is not a file. Choose another name."));
-        Name()->clear();
+        Name()->selectAll();
+        QTest::keyClick(Name(), Qt::Key_Delete);
         static_cast<QDialog*>(dialog)->accept();
         EXPECT_TRUE(dialog->isVisible());
     });

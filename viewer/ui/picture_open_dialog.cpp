@@ -35,8 +35,7 @@ QString PictureFactsWords(const ImageFacts& facts)
     if (facts.pages > 1) {
         words += u'\n' + PictureOpenDialog::tr("%1 pages").arg(facts.pages);
     }
-    return words + u'\n'
-        + locale.formattedDataSize(facts.sizeDisk);
+    return words + u'\n' + locale.formattedDataSize(facts.sizeDisk);
 }
 
 OpenPreview LookAtPicture(const QString& path, QSize box)

@@ -242,7 +242,7 @@ void PictureSaveDialog::EnableControls()
 
 void PictureSaveDialog::NameChanged(const QString& name)
 {
-    if (!mRenaming && mChoices.NameTyped(name)) {
+    if (mChoices.NameTyped(name)) {
         ShowChoices();
         Preview();
     }
@@ -254,9 +254,12 @@ void PictureSaveDialog::RenameFile()
     const QString name = NameEdit().text();
     const QString renamed = mChoices.Renamed(name);
     if (renamed != name) {
-        mRenaming = true;
+        // The toolkit's dialog must not hear of it: it would mark that file beside the marked one
+        // and write both names.
+        const QSignalBlocker quiet(&NameEdit());
         NameEdit().setText(renamed);
-        mRenaming = false;
+        Hint({});
+        LookAtTarget();
     }
 }
 
