@@ -160,23 +160,27 @@ Region ReducedRegion(const Region& region, QSize picture, QSize size)
     return found.IsEmpty() ? Region::Rectangle(size, left, top, 1, 1) : found;
 }
 
-QImage RegionOutline(const Region& region, QSize picture)
+QImage RegionOutline(const Region& region, const QRect& part)
 {
-    QImage outline(picture, QImage::Format_ARGB32_Premultiplied);
+    QImage outline(part.size(), QImage::Format_ARGB32_Premultiplied);
     outline.fill(Qt::transparent);
     const QRect bounds = region.Bounds();
+    const QRect seen = bounds & part;
     const auto edge = [&](int x, int y) {
         return region.Contains(x, y)
             && !(region.Contains(x - 1, y) && region.Contains(x + 1, y) && region.Contains(x, y - 1)
                  && region.Contains(x, y + 1));
     };
-    for (int y = bounds.top(); y <= bounds.bottom(); ++y) {
-        auto* row = reinterpret_cast<QRgb*>(outline.scanLine(y));
-        const bool plain = region.IsRectangle() && y > bounds.top() && y < bounds.bottom();
-        const int step = plain ? std::max(1, bounds.width() - 1) : 1;
-        for (int x = bounds.left(); x <= bounds.right(); x += step) {
-            if (edge(x, y)) {
-                row[x] = (x + y) / kOutlineDash % 2 == 0 ? qRgb(0, 0, 0) : qRgb(255, 255, 255);
+    for (int y = seen.top(); y <= seen.bottom(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(outline.scanLine(y - part.top()));
+        const bool inner = region.IsRectangle() && y > bounds.top() && y < bounds.bottom();
+        for (int x = seen.left(); x <= seen.right(); ++x) {
+            if (inner && x > bounds.left() && x < bounds.right()) {
+                x = bounds.right(); // nothing between the sides
+            }
+            if (x <= seen.right() && edge(x, y)) {
+                row[x - part.left()] =
+                    (x + y) / kOutlineDash % 2 == 0 ? qRgb(0, 0, 0) : qRgb(255, 255, 255);
             }
         }
     }
@@ -228,7 +232,8 @@ PreviewLook PreviewSource::LookFitted(QSize room, const EffectWish& wish, bool d
     const Copy& small = ReducedTo(mFitted, fitted);
     if (mFitted->shownSize != fitted) {
         mFitted->shown = small.picture.ToDisplay();
-        mFitted->outline = mRegion.IsEmpty() ? QImage() : RegionOutline(small.region, fitted);
+        mFitted->outline =
+            mRegion.IsEmpty() ? QImage() : RegionOutline(small.region, QRect({}, fitted));
         mFitted->shownSize = fitted;
     }
     look.before = mFitted->shown;
@@ -262,8 +267,7 @@ PreviewLook PreviewSource::LookAtPart(const PreviewView& view, const EffectWish&
     look.after = look.before;
     const Region region = mRegion.Moved(worked.size(), -worked.left(), -worked.top());
     if (!mRegion.IsEmpty()) {
-        look.outline =
-            RegionOutline(region.Moved(part.size(), -inside.left(), -inside.top()), part.size());
+        look.outline = RegionOutline(mRegion, part);
     }
     if (!wish.work || (!mRegion.IsEmpty() && region.IsEmpty())) {
         return look;

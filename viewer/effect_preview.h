@@ -68,8 +68,9 @@ Bitmap ReducedPicture(const Bitmap& picture, QSize size);
 /// The region on a copy of that size; one of no pixels any more becomes a single pixel, so that
 /// it is still a region.
 Region ReducedRegion(const Region& region, QSize picture, QSize size);
-/// The edge of a region in dashes of black and white on nothing, of the size of the picture.
-QImage RegionOutline(const Region& region, QSize picture);
+/// The edge of a region in dashes of black and white on nothing: what of it lies in a part of its
+/// picture, of that part's size.
+QImage RegionOutline(const Region& region, const QRect& part);
 
 /// A picture and its reduced copies. Not for two threads at a time.
 class PreviewSource {

@@ -125,7 +125,8 @@ TEST(ReducedRegion, StaysARegionWhenItVanishes)
 
 TEST(RegionOutline, IsTheEdgeAlone)
 {
-    const QImage outline = RegionOutline(Region::Rectangle({40, 30}, 10, 5, 20, 10), {40, 30});
+    const QImage outline =
+        RegionOutline(Region::Rectangle({40, 30}, 10, 5, 20, 10), QRect(0, 0, 40, 30));
     EXPECT_EQ(outline.size(), QSize(40, 30));
     EXPECT_EQ(qAlpha(outline.pixel(10, 5)), 255);
     EXPECT_EQ(qAlpha(outline.pixel(29, 14)), 255);
@@ -141,6 +142,18 @@ TEST(RegionOutline, IsTheEdgeAlone)
     EXPECT_EQ(black + white, 20);
     EXPECT_GT(black, 4);
     EXPECT_GT(white, 4);
+}
+
+TEST(RegionOutline, OfAPartHasNoEdgeWhereTheRegionGoesOn)
+{
+    for (const Region& region : {Region::Rectangle({400, 300}, 10, 20, 300, 200),
+                                 Region::Ellipse({400, 300}, 10, 20, 300, 200)}) {
+        const QImage all = RegionOutline(region, QRect(0, 0, 400, 300));
+        for (const QRect& part : {QRect(100, 100, 60, 40), QRect(0, 0, 50, 60),
+                                  QRect(290, 200, 110, 100), QRect(350, 250, 50, 50)}) {
+            EXPECT_EQ(RegionOutline(region, part), all.copy(part)) << part.left();
+        }
+    }
 }
 
 TEST(PreviewSource, AFittedLookIsWhatTheWholePictureWouldLookLike)
