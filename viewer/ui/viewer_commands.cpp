@@ -240,7 +240,9 @@ void frmToolImageDisplay::ToolPressed(int position)
         mTools->Crop();
         break;
     case kFillButton:
-        Run(*FindEnhanceCommand(QLatin1String("mnuFill")));
+        if (const EnhanceCommand* fill = FindEnhanceCommand(QLatin1String("mnuFill"))) {
+            Run(*fill);
+        }
         break;
     default:
         break;
