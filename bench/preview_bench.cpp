@@ -116,6 +116,13 @@ void Measure(const QString& name, const std::function<void()>& ask)
         const double first = double(opened.nsecsElapsed()) / 1e6;
         const bool fit = preview.View().fit;
         const DragResult opening = Drag(*dialog);
+        if (!dialog->findChild<QSlider*>()) {
+            // Nothing is dragged here: a choice is made, and its look follows.
+            std::printf("%s: %.1f looks a second, longest wait %.1f ms\n", qPrintable(name),
+                        opening.looks, opening.wait);
+            dialog->reject();
+            return;
+        }
         bench::PrintFigure(
             qPrintable(name + (fit ? QStringLiteral(", fitted") : QStringLiteral(", full size"))),
             opening.looks, kWantedLooks, "looks a second", opening.looks / kWantedLooks,

@@ -1,6 +1,6 @@
 #pragma once
-#include "core/twips.h"
 // The arithmetic of the splitter bar and of fitting the window to the screen, in pixels.
+#include "widgets/twips.h"
 #include <QRect>
 
 namespace quillane {
@@ -30,6 +30,5 @@ SplitPanes ArrangePanes(const QRect& client, int top, int heightOffset, int left
 /// The window cut to the screen: too low, it gets the screen's height less 30 pixels and top 0;
 /// too wide, the screen's width and left 0.
 QRect FitToScreen(const QRect& window, QSize screen);
-
 
 } // namespace quillane

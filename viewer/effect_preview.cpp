@@ -12,6 +12,8 @@ namespace {
 
 /// Operations on single pixels are tried on so many at most.
 constexpr qint64 kNearPixels = 16'000'000;
+/// The same while values change from moment to moment.
+constexpr qint64 kDraftPixels = 1'500'000;
 /// Palettes are sought among so many at most.
 constexpr qint64 kPalettePixels = 1'000'000;
 /// From here on a picture of few bits is reduced strip by strip: its colours in full would need
@@ -158,23 +160,27 @@ Region ReducedRegion(const Region& region, QSize picture, QSize size)
     return found.IsEmpty() ? Region::Rectangle(size, left, top, 1, 1) : found;
 }
 
-QImage RegionOutline(const Region& region, QSize picture)
+QImage RegionOutline(const Region& region, const QRect& part)
 {
-    QImage outline(picture, QImage::Format_ARGB32_Premultiplied);
+    QImage outline(part.size(), QImage::Format_ARGB32_Premultiplied);
     outline.fill(Qt::transparent);
     const QRect bounds = region.Bounds();
+    const QRect seen = bounds & part;
     const auto edge = [&](int x, int y) {
         return region.Contains(x, y)
             && !(region.Contains(x - 1, y) && region.Contains(x + 1, y) && region.Contains(x, y - 1)
                  && region.Contains(x, y + 1));
     };
-    for (int y = bounds.top(); y <= bounds.bottom(); ++y) {
-        auto* row = reinterpret_cast<QRgb*>(outline.scanLine(y));
-        const bool plain = region.IsRectangle() && y > bounds.top() && y < bounds.bottom();
-        const int step = plain ? std::max(1, bounds.width() - 1) : 1;
-        for (int x = bounds.left(); x <= bounds.right(); x += step) {
-            if (edge(x, y)) {
-                row[x] = (x + y) / kOutlineDash % 2 == 0 ? qRgb(0, 0, 0) : qRgb(255, 255, 255);
+    for (int y = seen.top(); y <= seen.bottom(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(outline.scanLine(y - part.top()));
+        const bool inner = region.IsRectangle() && y > bounds.top() && y < bounds.bottom();
+        for (int x = seen.left(); x <= seen.right(); ++x) {
+            if (inner && x > bounds.left() && x < bounds.right()) {
+                x = bounds.right(); // nothing between the sides
+            }
+            if (x <= seen.right() && edge(x, y)) {
+                row[x - part.left()] =
+                    (x + y) / kOutlineDash % 2 == 0 ? qRgb(0, 0, 0) : qRgb(255, 255, 255);
             }
         }
     }
@@ -186,13 +192,13 @@ PreviewSource::PreviewSource(Bitmap picture, Region region)
       mRegion(std::move(region))
 { }
 
-QSize PreviewSource::WorkSize(QSize fitted, EffectReach reach) const
+QSize PreviewSource::WorkSize(QSize fitted, EffectReach reach, bool draft) const
 {
     switch (reach) {
     case EffectReach::Near:
-        return PreviewCapped(PictureSize(), kNearPixels).expandedTo(fitted);
+        return PreviewCapped(PictureSize(), draft ? kDraftPixels : kNearPixels).expandedTo(fitted);
     case EffectReach::Palette:
-        return PreviewCapped(PictureSize(), kPalettePixels).expandedTo(fitted);
+        return draft ? fitted : PreviewCapped(PictureSize(), kPalettePixels).expandedTo(fitted);
     default:
         return fitted;
     }
@@ -210,21 +216,31 @@ const PreviewSource::Copy& PreviewSource::ReducedTo(std::optional<Copy>& kept, Q
     return *kept;
 }
 
-PreviewLook PreviewSource::LookFitted(QSize room, const EffectWish& wish)
+bool PreviewSource::HasDraft(const PreviewView& view, const EffectWish& wish) const
+{
+    if (!view.fit || !wish.work || mPicture.IsNull()) {
+        return false;
+    }
+    const QSize fitted = PreviewFit(PictureSize(), view.room);
+    return WorkSize(fitted, wish.reach, true) != WorkSize(fitted, wish.reach, false);
+}
+
+PreviewLook PreviewSource::LookFitted(QSize room, const EffectWish& wish, bool draft)
 {
     const QSize fitted = PreviewFit(PictureSize(), room);
     PreviewLook look;
     const Copy& small = ReducedTo(mFitted, fitted);
     if (mFitted->shownSize != fitted) {
         mFitted->shown = small.picture.ToDisplay();
-        mFitted->outline = mRegion.IsEmpty() ? QImage() : RegionOutline(small.region, fitted);
+        mFitted->outline =
+            mRegion.IsEmpty() ? QImage() : RegionOutline(small.region, QRect({}, fitted));
         mFitted->shownSize = fitted;
     }
     look.before = mFitted->shown;
     look.after = look.before;
     if (wish.work) {
-        const QSize size = WorkSize(fitted, wish.reach);
-        const Copy& worked = size == fitted ? small : ReducedTo(mFine, size);
+        const QSize size = WorkSize(fitted, wish.reach, draft);
+        const Copy& worked = size == fitted ? small : ReducedTo(draft ? mDraft : mFine, size);
         const Bitmap result =
             wish.work({worked.picture, RegionOf(worked), worked.reduction, nullptr, nullptr});
         // What became larger is shown whole, what became smaller at the same reduction.
@@ -251,8 +267,7 @@ PreviewLook PreviewSource::LookAtPart(const PreviewView& view, const EffectWish&
     look.after = look.before;
     const Region region = mRegion.Moved(worked.size(), -worked.left(), -worked.top());
     if (!mRegion.IsEmpty()) {
-        look.outline =
-            RegionOutline(region.Moved(part.size(), -inside.left(), -inside.top()), part.size());
+        look.outline = RegionOutline(mRegion, part);
     }
     if (!wish.work || (!mRegion.IsEmpty() && region.IsEmpty())) {
         return look;
@@ -267,13 +282,13 @@ PreviewLook PreviewSource::LookAtPart(const PreviewView& view, const EffectWish&
     return look;
 }
 
-PreviewLook PreviewSource::Look(const PreviewView& view, const EffectWish& wish)
+PreviewLook PreviewSource::Look(const PreviewView& view, const EffectWish& wish, bool draft)
 {
     if (mPicture.IsNull() || view.room.isEmpty()) {
         return {};
     }
     const auto look = [&](const EffectWish& tried) {
-        return view.fit || tried.reach == EffectReach::Turn ? LookFitted(view.room, tried)
+        return view.fit || tried.reach == EffectReach::Turn ? LookFitted(view.room, tried, draft)
                                                             : LookAtPart(view, tried);
     };
     try {

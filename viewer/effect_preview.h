@@ -68,16 +68,20 @@ Bitmap ReducedPicture(const Bitmap& picture, QSize size);
 /// The region on a copy of that size; one of no pixels any more becomes a single pixel, so that
 /// it is still a region.
 Region ReducedRegion(const Region& region, QSize picture, QSize size);
-/// The edge of a region in dashes of black and white on nothing, of the size of the picture.
-QImage RegionOutline(const Region& region, QSize picture);
+/// The edge of a region in dashes of black and white on nothing: what of it lies in a part of its
+/// picture, of that part's size.
+QImage RegionOutline(const Region& region, const QRect& part);
 
 /// A picture and its reduced copies. Not for two threads at a time.
 class PreviewSource {
 public:
     PreviewSource(Bitmap picture, Region region);
     QSize PictureSize() const { return mPicture.Pixels().size(); }
-    /// What the wish looks like; a Failure of it is told in words.
-    PreviewLook Look(const PreviewView& view, const EffectWish& wish);
+    /// What the wish looks like; a Failure of it is told in words. A draft is quick, and rougher
+    /// where HasDraft says so.
+    PreviewLook Look(const PreviewView& view, const EffectWish& wish, bool draft = false);
+    /// Whether a draft would be another than the look itself. For any thread.
+    bool HasDraft(const PreviewView& view, const EffectWish& wish) const;
 
 private:
     struct Copy {
@@ -89,9 +93,9 @@ private:
         QSize shownSize;
     };
     const Copy& ReducedTo(std::optional<Copy>& kept, QSize size);
-    PreviewLook LookFitted(QSize room, const EffectWish& wish);
+    PreviewLook LookFitted(QSize room, const EffectWish& wish, bool draft);
     PreviewLook LookAtPart(const PreviewView& view, const EffectWish& wish);
-    QSize WorkSize(QSize fitted, EffectReach reach) const;
+    QSize WorkSize(QSize fitted, EffectReach reach, bool draft) const;
     const Region* RegionOf(const Copy& copy) const
     {
         return mRegion.IsEmpty() ? nullptr : &copy.region;
@@ -100,7 +104,8 @@ private:
     Bitmap mPicture;
     Region mRegion;
     std::optional<Copy> mFitted; ///< of the room's size
-    std::optional<Copy> mFine;   ///< of more pixels
+    std::optional<Copy> mDraft;  ///< of more pixels, for a draft
+    std::optional<Copy> mFine;   ///< of as many as are worked on
 };
 
 } // namespace quillane

@@ -23,7 +23,9 @@ constexpr qint32 kLeast = -processing::kMostValue;
 constexpr qint32 kMost = processing::kMostValue;
 constexpr qint32 kMostTile = 500;    // pixels
 constexpr qint32 kDotsRepeat = 9000; // a screen of dots turned by a quarter is the same
-constexpr qint32 kNearMargin = 2;    // filters of three by three, and one to spare
+constexpr double kDotsVanish = 1.9;  // reduction from which on single dots are not seen
+constexpr qint32 kGreyBits = 8;
+constexpr qint32 kNearMargin = 2; // filters of three by three, and one to spare
 
 Bitmap ApplySharpen(const EffectInput& input, qint32 value)
 {
@@ -63,6 +65,10 @@ Bitmap ApplyHue(const EffectInput& input, qint32 value)
 
 Bitmap ApplyHalftone(const EffectInput& input, qint32 value)
 {
+    // On a copy that small the dots would stand too far apart; from afar they are grey.
+    if (input.reduction >= kDotsVanish) {
+        return processing::Grayscale(input.picture, input.region, kGreyBits);
+    }
     return processing::Halftone(input.picture, input.region, processing::HalftoneType::Dots, value);
 }
 

@@ -30,35 +30,36 @@ void LivePreview::Want()
 {
     mWanted = true;
     if (!mRunning) {
-        Begin();
+        Begin(true);
     }
 }
 
-void LivePreview::Begin()
+void LivePreview::Begin(bool draft)
 {
     mWanted = false;
     if (!mSource || mView.room.isEmpty()) {
         return;
     }
     mRunning = true;
+    draft = draft && mSource->HasDraft(mView, mWish);
     const auto look = std::make_shared<PreviewLook>();
     mJobs.Run(
-        [look, source = mSource, view = mView, wish = mWish] {
+        [look, source = mSource, view = mView, wish = mWish, draft] {
             try {
-                *look = source->Look(view, wish);
+                *look = source->Look(view, wish, draft);
             } catch (const std::bad_alloc&) {
                 look->failure = QStringLiteral("There is not enough memory for a preview.");
             }
         },
-        [this, look, source = mSource] {
+        [this, look, source = mSource, draft] {
             mRunning = false;
             ++mComputed;
+            if (mWanted || draft) {
+                Begin(mWanted);
+            }
             if (source == mSource) {
                 mLook = std::move(*look);
                 Q_EMIT Changed();
-            }
-            if (mWanted && !mRunning) {
-                Begin();
             }
         });
 }

@@ -6,7 +6,8 @@
 namespace quillane {
 
 /// Keeps the look of an operation up to date while its values change. One computation runs at a
-/// time, on another thread; of what is wished meanwhile only the newest is computed then.
+/// time, on another thread; of what is wished meanwhile only the newest is computed then. A draft
+/// comes first where there is one; once nothing newer is wished, the look itself follows.
 class LivePreview : public QObject {
     Q_OBJECT
 public:
@@ -32,7 +33,7 @@ Q_SIGNALS:
 
 private:
     void Want();
-    void Begin();
+    void Begin(bool draft);
 
     std::shared_ptr<PreviewSource> mSource;
     PreviewView mView;

@@ -11,7 +11,8 @@ namespace {
 
 /// Format codes of files that are decoded at reduced scale in a fraction of the time.
 constexpr std::array<qint16, 5> kQuickFormats{10, 21, 23, 98, 101};
-constexpr QSize kCachedLook(256, 256); // small pictures of this side are worth showing
+constexpr qint64 kWorthALook = 1'000'000; // pixels from which loading takes a while
+constexpr QSize kCachedLook(256, 256);    // small pictures of this side are worth showing
 
 QSize UprightSize(const ImageFacts& facts)
 {
@@ -31,11 +32,17 @@ QuickPicture QuickLook(const QString& file, QSize box, const QString& thumbnailC
         }
         const ImageFacts facts = ProbeFile(file);
         look.whole = UprightSize(facts);
+        if (look.whole.width() * qint64(look.whole.height()) < kWorthALook) {
+            return;
+        }
         if (std::find(kQuickFormats.begin(), kQuickFormats.end(), facts.format)
             != kQuickFormats.end()) {
+            // An eighth is what costs least; the whole picture follows soon.
             ThumbnailOptions options;
+            options.cacheFolder = thumbnailCache;
             options.cancelled = cancelled;
-            look.image = MakeThumbnail(file, box, options).image;
+            const QSize small = (look.whole / 8).expandedTo(kCachedLook).boundedTo(box);
+            look.image = MakeThumbnail(file, small, options).image;
         } else {
             look.image = ReadCachedThumbnail(thumbnailCache, file, StatPath(file), kCachedLook);
         }

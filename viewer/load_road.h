@@ -16,8 +16,8 @@ struct QuickPicture {
     QSize whole;  ///< of the whole picture, upright
 };
 /// A look at the picture of a file before it is loaded: a cached or embedded small picture or a
-/// decode at reduced scale that fills `box` (device pixels) as far as the picture does. None where
-/// it cannot be had in much less time than the whole picture. Never fails.
+/// decode at reduced scale, at most as large as `box` (device pixels). None of a picture that is
+/// small, and where it cannot be had in much less time than the whole. Never fails.
 QuickPicture QuickLook(const QString& file, QSize box, const QString& thumbnailCache,
                        const std::atomic<bool>* cancelled);
 

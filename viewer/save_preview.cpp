@@ -100,7 +100,7 @@ SavePreview MakeSavePreview(const Bitmap& picture, const EncodeRequest& request,
         preview.exact = pixels <= most;
         preview.bytes = preview.exact ? content.size() : qint64(double(content.size()) * part);
         const QImage after = PreviewPixels(shown, *variant, wanted, content).ToDisplay();
-        const QSize fitting = after.size().scaled(box, Qt::KeepAspectRatio);
+        const QSize fitting = picture.Pixels().size().scaled(box, Qt::KeepAspectRatio);
         preview.whole = after.width() > fitting.width() || after.height() > fitting.height()
             ? after.scaled(fitting.expandedTo({1, 1}), Qt::IgnoreAspectRatio,
                            Qt::SmoothTransformation)
@@ -117,8 +117,7 @@ SavePreview MakeSavePreview(const Bitmap& picture, const EncodeRequest& request,
 QString PreviewSizeWords(const SavePreview& preview)
 {
     const QLocale locale;
-    const QString size = locale.formattedDataSize(preview.bytes, preview.exact ? 1 : 0,
-                                                  QLocale::DataSizeTraditionalFormat);
+    const QString size = locale.formattedDataSize(preview.bytes, preview.exact ? 1 : 0);
     if (!preview.exact) {
         return QStringLiteral("about %1").arg(size);
     }

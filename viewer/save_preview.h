@@ -18,7 +18,7 @@ struct SavePreview {
 /// Any thread.
 SavePreview MakeSavePreview(const Bitmap& picture, const EncodeRequest& request, QSize box);
 
-/// "1.2 MB (1,234,567 bytes)", or "about 12 MB" where the size is not exact.
+/// "1.2 MiB (1,234,567 bytes)", or "about 12 MiB" where the size is not exact.
 QString PreviewSizeWords(const SavePreview& preview);
 
 } // namespace quillane

@@ -1,13 +1,12 @@
 #pragma once
-#include "core/twips.h"
 // What the viewer keeps from one run to the next: its place on the screen and its zoom.
 #include "core/settings_table.h"
+#include "widgets/twips.h"
 #include <QSizeF>
 #include <array>
 #include <span>
 
 namespace quillane {
-
 
 struct ZoomItem {
     const char* name;

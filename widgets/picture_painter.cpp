@@ -9,11 +9,13 @@ namespace quillane {
 namespace {
 
 constexpr qint64 kPainterLeastBudget = 8ll << 20;  ///< bytes of tiles
-constexpr qint64 kPainterAtOnce = 8'000'000;       ///< nanoseconds of a paint for good tiles
+constexpr qint64 kPainterAtOnce = 6'000'000;       ///< nanoseconds of a paint for good tiles
 constexpr qint64 kPainterSmallPicture = 1'500'000; ///< pixels, for which copies do not pay
 constexpr int kPainterLeastReduced = 512;          ///< longer side of the last reduced copy
 constexpr size_t kPainterTilesOfAJob = 4;
-constexpr double kPainterSquares = 2.0; ///< from this zoom on, pixels are shown as squares
+constexpr double kPainterPixel = 2;           ///< nanoseconds that a pixel may take at first guess
+constexpr double kPainterConvertedPixel = 15; ///< the same with a profile
+constexpr double kPainterSquares = 2.0;       ///< from this zoom on, pixels are shown as squares
 
 int PainterFirstFactor(const PictureSource& source)
 {
@@ -153,6 +155,20 @@ void PicturePainter::MakeReduced()
         });
 }
 
+/// Before a tile was made at this size: by the pixels of the source that it covers.
+qint64 PicturePainter::GuessedCost() const
+{
+    const PictureSource* const source = Choose(mShown).source;
+    if (!source) {
+        return 0;
+    }
+    const double across = std::max(1.0, source->extent.width() / mShown.width());
+    const double down = std::max(1.0, source->extent.height() / mShown.height());
+    const bool converted = !source->bitmap.Icc().isEmpty();
+    return qint64(across * down * kTileSide * kTileSide
+                  * (converted ? kPainterConvertedPixel : kPainterPixel));
+}
+
 QImage PicturePainter::Good(const PictureSource& source, QSize shown, const QRect& part,
                             const StopFlag* stop)
 {
@@ -203,15 +219,23 @@ bool PicturePainter::PaintDirectly(QPainter& painter, const ViewGeometry& geomet
     return true;
 }
 
-const Tile& PicturePainter::TileFor(const TileKey& key, bool mayWork)
+void PicturePainter::NoteCost(qint64 nanoseconds)
+{
+    mTileCost = (mTileCost + nanoseconds) / 2;
+}
+
+const Tile& PicturePainter::TileFor(const TileKey& key, qint64 nanosecondsLeft)
 {
     const Tile* tile = mTiles.Find(key);
     if (tile && !tile->rough) {
         return *tile;
     }
     const Choice choice = Choose(key.shown);
-    if (choice.best && mayWork) {
+    if (choice.best && mTileCost <= nanosecondsLeft) {
+        QElapsedTimer clock;
+        clock.start();
         Tile good{Good(*choice.source, key.shown, TileRect(key), nullptr), false};
+        NoteCost(clock.nsecsElapsed());
         mTiles.Put(key, std::move(good));
     } else {
         if (!tile) {
@@ -230,10 +254,14 @@ void PicturePainter::Paint(QPainter& painter, const ViewGeometry& geometry, QSiz
     mStale = false;
     const QRect target(geometry.origin, geometry.shown);
     const QRect seen = target.intersected(exposed);
-    const QRect inSight = QRect(QPoint(), view).intersected(target).translated(-geometry.origin);
+    mInSight = QRect(QPoint(), view).intersected(target).translated(-geometry.origin);
+    if (mShown != geometry.shown) {
+        mShown = geometry.shown;
+        mTileCost = GuessedCost();
+    }
     std::erase_if(mWishes, [&](const TileKey& key) {
         const Tile* const tile = mTiles.Find(key);
-        return key.shown != geometry.shown || !TileRect(key).intersects(inSight)
+        return key.shown != geometry.shown || !TileRect(key).intersects(mInSight)
             || (tile && !tile->rough);
     });
     if (seen.isEmpty() || !Choose(geometry.shown).source
@@ -244,7 +272,7 @@ void PicturePainter::Paint(QPainter& painter, const ViewGeometry& geometry, QSiz
         MakeReduced();
     }
     const qint64 tilesOfView =
-        (inSight.width() / kTileSide + 2) * qint64(inSight.height() / kTileSide + 2);
+        (mInSight.width() / kTileSide + 2) * qint64(mInSight.height() / kTileSide + 2);
     mTiles.SetBudget(
         std::max(kPainterLeastBudget, tilesOfView * kTileSide * kTileSide * 4 * 5 / 4));
     const QRect part = seen.translated(-geometry.origin);
@@ -253,7 +281,7 @@ void PicturePainter::Paint(QPainter& painter, const ViewGeometry& geometry, QSiz
     for (int row = part.top() / kTileSide; row <= part.bottom() / kTileSide; ++row) {
         for (int column = part.left() / kTileSide; column <= part.right() / kTileSide; ++column) {
             const TileKey key{geometry.shown, column, row};
-            const Tile& tile = TileFor(key, clock.nsecsElapsed() < kPainterAtOnce);
+            const Tile& tile = TileFor(key, kPainterAtOnce - clock.nsecsElapsed());
             const QRect from = TileRect(key).intersected(part);
             painter.drawImage(from.topLeft() + geometry.origin, tile.image,
                               from.translated(-TileRect(key).topLeft()));
@@ -281,6 +309,7 @@ void PicturePainter::MakeNext()
     const size_t count = std::min(mWishes.size(), kPainterTilesOfAJob);
     using Made = std::vector<std::pair<TileKey, QImage>>;
     const auto made = std::make_shared<Made>();
+    const auto spent = std::make_shared<qint64>(0);
     made->reserve(count);
     for (size_t i = 0; i < count; ++i) {
         made->emplace_back(mWishes[i], QImage());
@@ -288,20 +317,30 @@ void PicturePainter::MakeNext()
     mWishes.erase(mWishes.begin(), mWishes.begin() + qsizetype(count));
     mMaking = true;
     mTileJobs.Run(
-        [made, source = *choice.source, stop = mStop] {
+        [made, spent, source = *choice.source, stop = mStop] {
+            QElapsedTimer clock;
+            clock.start();
             for (auto& [key, image] : *made) {
                 image = Good(source, key.shown, TileRect(key), stop.get());
             }
+            *spent = clock.nsecsElapsed() / qint64(made->size());
         },
-        [this, made, picture = mPicture] {
+        [this, made, spent, picture = mPicture] {
             if (picture != mPicture) {
                 return;
             }
             mMaking = false;
             QRect changed;
             for (auto& [key, image] : *made) {
-                changed |= TileRect(key);
+                if (key.shown == mShown && TileRect(key).intersects(mInSight)) {
+                    changed |= TileRect(key);
+                    NoteCost(*spent);
+                }
                 mTiles.Put(key, {std::move(image), false});
+            }
+            if (changed.isEmpty()) {
+                MakeNext();
+                return;
             }
             mStale = true;
             MakeNext();

@@ -60,7 +60,9 @@ private:
     bool WantsReduced(QSize shown) const;
     void MakeReduced();
     bool PaintDirectly(QPainter& painter, const ViewGeometry& geometry, const QRect& seen) const;
-    const Tile& TileFor(const TileKey& key, bool mayWork);
+    const Tile& TileFor(const TileKey& key, qint64 nanosecondsLeft);
+    qint64 GuessedCost() const;
+    void NoteCost(qint64 nanoseconds);
     QImage Rough(QSize shown, const QRect& part) const;
     static QImage Good(const PictureSource& source, QSize shown, const QRect& part,
                        const StopFlag* stop);
@@ -76,6 +78,9 @@ private:
     Reduced mReducedState = Reduced::None;
     TileCache mTiles;
     std::vector<TileKey> mWishes;
+    QSize mShown;         ///< size at which the picture was painted last
+    QRect mInSight;       ///< what of that was in the view
+    qint64 mTileCost = 0; ///< nanoseconds that a good tile takes at that size
     bool mMaking = false;
     bool mStale = false; ///< something better came that has not been painted
     quint64 mPicture = 0;

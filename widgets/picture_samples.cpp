@@ -170,16 +170,20 @@ QImage SoftPart(const PictureSource& source, QSize shown, const QRect& part)
     if (samples.isNull() || made.isNull()) {
         return {};
     }
+    // Enlarged, a row has fewer samples than pixels: they are mixed downwards first.
+    std::vector<QRgb> mixed(columns.size());
     for (int y = 0; y < part.height(); ++y) {
         const SoftPlace& row = down[size_t(y)];
         const QRgb* const upper = reinterpret_cast<const QRgb*>(samples.constScanLine(row.first));
         const QRgb* const lower = reinterpret_cast<const QRgb*>(samples.constScanLine(row.second));
+        for (size_t x = 0; x < mixed.size(); ++x) {
+            mixed[x] = SoftMix(upper[x], lower[x], row.share);
+        }
         QRgb* const out = reinterpret_cast<QRgb*>(made.scanLine(y));
         for (int x = 0; x < part.width(); ++x) {
             const SoftPlace& column = across[size_t(x)];
-            out[x] = SoftMix(SoftMix(upper[column.first], upper[column.second], column.share),
-                             SoftMix(lower[column.first], lower[column.second], column.share),
-                             row.share);
+            out[x] =
+                SoftMix(mixed[size_t(column.first)], mixed[size_t(column.second)], column.share);
         }
     }
     return made;

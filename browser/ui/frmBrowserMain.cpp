@@ -11,6 +11,7 @@
 #include <QMenuBar>
 #include <QScreen>
 #include <QStatusBar>
+#include <QThread>
 
 namespace quillane {
 
@@ -193,7 +194,15 @@ void frmBrowserMain::closeEvent(QCloseEvent* event)
         // The program ends at once: a scan that runs stops, other windows are not asked.
         mScan.Abandon();
         mLoader.Cancel();
-        QMetaObject::invokeMethod(qApp, &QCoreApplication::quit, Qt::QueuedConnection);
+        // Not quit(), which asks every window and stays when one that works does not close.
+        QMetaObject::invokeMethod(
+            qApp,
+            [] {
+                if (QThread::currentThread()->loopLevel() > 0) {
+                    QCoreApplication::exit(0);
+                }
+            },
+            Qt::QueuedConnection);
     }
     event->accept();
 }

@@ -24,6 +24,7 @@ inline void InDialog(const char* name, const std::function<void()>& ask,
         }
         came = true;
         const QPointer<QDialog> shown(dialog);
+        EXPECT_TRUE(QTest::qWaitForWindowActive(dialog));
         act(*dialog);
         if (shown && shown->isVisible()) {
             shown->reject();

@@ -69,7 +69,7 @@ protected:
         QImage image(size, QImage::Format_RGB32);
         for (int y = 0; y < size.height(); ++y) {
             for (int x = 0; x < size.width(); ++x) {
-                image.setPixel(x, y, qRgb((x * 6) % 256, (y * 8) % 256, (x * y) % 256));
+                image.setPixel(x, y, qRgb(20 + (x * 6) % 200, 20 + (y * 7) % 200, 20 + (x * y) % 200));
             }
         }
         const QString path = Path(name);

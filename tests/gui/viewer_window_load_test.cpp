@@ -307,11 +307,14 @@ TEST_F(ViewerLoadTest, AFileThatWasReplacedIsLoadedAnewWhenItIsChosenAgain)
 TEST_F(ViewerLoadTest, AWindowThatIsClosedWhileItLoadsGoesWhenTheLoadHasEnded)
 {
     Make(Copy(QStringLiteral("AST_0101.JPG")));
-    QTimer::singleShot(0, window.get(), [this] {
-        EXPECT_TRUE(window->IsBusy());
-        window->close();
-        EXPECT_FALSE(window->isVisible());
-    });
+    QMetaObject::invokeMethod(
+        window.get(),
+        [this] {
+            EXPECT_TRUE(window->IsBusy());
+            window->close();
+            EXPECT_FALSE(window->isVisible());
+        },
+        Qt::QueuedConnection);
     window->show();
     EXPECT_TRUE(QTest::qWaitFor([this] { return !window->Picture().HasBitmap(); }, kWait));
     EXPECT_FALSE(window->isVisible());
@@ -321,7 +324,8 @@ TEST_F(ViewerLoadTest, AWindowThatIsClosedWhileItLoadsGoesWhenTheLoadHasEnded)
 TEST_F(ViewerLoadTest, AWindowThatIsDestroyedWhileItLoadsHurtsNothing)
 {
     Make(Copy(QStringLiteral("AST_0101.JPG")));
-    QTimer::singleShot(0, qApp, [this] { window.reset(); });
+    QMetaObject::invokeMethod(
+        qApp, [this] { window.reset(); }, Qt::QueuedConnection);
     frmToolImageDisplay* const shown = window.get();
     shown->show();
     EXPECT_EQ(window, nullptr);
@@ -331,10 +335,13 @@ TEST_F(ViewerLoadTest, AnotherFileChosenWhileOneIsLoadedTakesItsPlace)
 {
     Make(Copy(QStringLiteral("AST_0101.JPG")));
     const QString second = Small();
-    QTimer::singleShot(0, window.get(), [&] {
-        session.gsFileName = second;
-        window->show();
-    });
+    QMetaObject::invokeMethod(
+        window.get(),
+        [&] {
+            session.gsFileName = second;
+            window->show();
+        },
+        Qt::QueuedConnection);
     window->show();
     EXPECT_TRUE(QTest::qWaitFor(
         [&] { return !window->IsBusy() && window->File() == second && View()->HasImage(); },

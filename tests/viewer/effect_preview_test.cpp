@@ -125,7 +125,8 @@ TEST(ReducedRegion, StaysARegionWhenItVanishes)
 
 TEST(RegionOutline, IsTheEdgeAlone)
 {
-    const QImage outline = RegionOutline(Region::Rectangle({40, 30}, 10, 5, 20, 10), {40, 30});
+    const QImage outline =
+        RegionOutline(Region::Rectangle({40, 30}, 10, 5, 20, 10), QRect(0, 0, 40, 30));
     EXPECT_EQ(outline.size(), QSize(40, 30));
     EXPECT_EQ(qAlpha(outline.pixel(10, 5)), 255);
     EXPECT_EQ(qAlpha(outline.pixel(29, 14)), 255);
@@ -141,6 +142,18 @@ TEST(RegionOutline, IsTheEdgeAlone)
     EXPECT_EQ(black + white, 20);
     EXPECT_GT(black, 4);
     EXPECT_GT(white, 4);
+}
+
+TEST(RegionOutline, OfAPartHasNoEdgeWhereTheRegionGoesOn)
+{
+    for (const Region& region : {Region::Rectangle({400, 300}, 10, 20, 300, 200),
+                                 Region::Ellipse({400, 300}, 10, 20, 300, 200)}) {
+        const QImage all = RegionOutline(region, QRect(0, 0, 400, 300));
+        for (const QRect& part : {QRect(100, 100, 60, 40), QRect(0, 0, 50, 60),
+                                  QRect(290, 200, 110, 100), QRect(350, 250, 50, 50)}) {
+            EXPECT_EQ(RegionOutline(region, part), all.copy(part)) << part.left();
+        }
+    }
 }
 
 TEST(PreviewSource, AFittedLookIsWhatTheWholePictureWouldLookLike)
@@ -163,6 +176,28 @@ TEST(PreviewSource, AFittedLookIsWhatTheWholePictureWouldLookLike)
             << FindValueEffect(row.flag)->title;
         EXPECT_EQ(MeanDifference(look.before, source.Look({true, kRoom, {}}, {}).after), 0.0);
     }
+}
+
+TEST(PreviewSource, ADraftIsCloseToTheLook)
+{
+    const Bitmap picture = SmoothPicture({3000, 2000});
+    PreviewSource source(picture, {});
+    const PreviewView view{true, kRoom, {}};
+    int row = 0;
+    for (const EffectWish& wish :
+         {Value(1, 900), NoiseWish(200, 0), EmbossWish(2, 1000), Value(64, 4500)}) {
+        SCOPED_TRACE(row);
+        const double most = row++ == 3 ? 6 : 3; // a mean of few dots is a rough one
+        EXPECT_TRUE(source.HasDraft(view, wish));
+        EXPECT_FALSE(source.HasDraft({false, kRoom, {}}, wish)) << "a part is quick as it is";
+        const QImage look = source.Look(view, wish).after;
+        EXPECT_LE(MeanDifference(source.Look(view, wish, true).after, look), most);
+        EXPECT_LE(MeanDifference(look, Truth(picture, nullptr, wish)), 1);
+    }
+    EXPECT_TRUE(source.HasDraft(view, DepthWish(8, 0, 1)));
+    EXPECT_FALSE(source.HasDraft(view, Value(2, 300))) << "pixels by themselves need none";
+    EXPECT_FALSE(source.HasDraft(view, {}));
+    EXPECT_FALSE(PreviewSource(SmoothPicture({300, 200}), {}).HasDraft(view, Value(1, 900)));
 }
 
 TEST(PreviewSource, APartInFullSizeIsExactlyThatPartOfTheResult)

@@ -64,6 +64,37 @@ TEST(LivePreview, OneRunsAtATimeAndOnlyTheNewestWishFollows)
     EXPECT_EQ(gate->most, 1);
 }
 
+TEST(LivePreview, TheLookItselfFollowsADraftWhenNothingNewerIsWished)
+{
+    LivePreview preview;
+    preview.SetPicture(SmoothPicture({2000, 1500}), {});
+    preview.SetView({true, {20, 15}, {}});
+    WaitUntil([&] { return !preview.Busy(); });
+    const int before = preview.Computed();
+    const auto sizes = std::make_shared<std::vector<int>>(); // written on one thread at a time
+    const auto wish = [sizes] {
+        return EffectWish{[sizes](const EffectInput& input) {
+                              sizes->push_back(input.picture.Width());
+                              return input.picture;
+                          },
+                          EffectReach::Near, 0, 1};
+    };
+    preview.SetWish(wish());
+    WaitUntil([&] { return !preview.Busy(); });
+    EXPECT_EQ(preview.Computed(), before + 2);
+    ASSERT_EQ(sizes->size(), 2u);
+    EXPECT_LT(sizes->front(), 2000) << "a smaller copy";
+    EXPECT_EQ(sizes->back(), 2000);
+
+    sizes->clear();
+    preview.SetWish(wish());
+    preview.SetWish(wish());
+    WaitUntil([&] { return !preview.Busy(); });
+    ASSERT_EQ(sizes->size(), 3u) << "two drafts, then the look";
+    EXPECT_LT(sizes->at(1), 2000);
+    EXPECT_EQ(sizes->at(2), 2000);
+}
+
 TEST(LivePreview, TheWindowThreadDoesNotCompute)
 {
     LivePreview preview;

@@ -76,7 +76,8 @@ void EffectDialog::AddControl(const QString& label, QWidget* control)
         QString plain = label;
         control->setAccessibleName(plain.remove(u'&').remove(u':'));
     }
-    mRows->addWidget(control, row, 1, 1, 2);
+    const bool button = qobject_cast<QPushButton*>(control) != nullptr;
+    mRows->addWidget(control, row, 1, 1, 2, button ? Qt::AlignLeft : Qt::Alignment());
 }
 
 void EffectDialog::SetWish(std::function<EffectWish()> wish)

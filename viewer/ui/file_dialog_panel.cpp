@@ -6,8 +6,10 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QGridLayout>
+#include <QHeaderView>
 #include <QPainter>
 #include <QScreen>
+#include <QTreeView>
 #include <QUrl>
 
 namespace quillane {
@@ -16,6 +18,7 @@ namespace {
 
 constexpr QSize kWellSize(264, 198);   // logical pixels
 constexpr QSize kDialogSize(940, 620); // logical pixels, where the screen has them
+constexpr int kKindColumn = 2;         // of the list of files
 constexpr int kWellSquare = 8;         // of the pattern
 
 /// The image over squares, where it is clear.
@@ -113,6 +116,13 @@ void FileDialogWithPanel::Arrange()
     side->setLayout(mPanel);
     grid->addWidget(side, 0, right, 4, 1);
     grid->addWidget(mHint, 4, 0, 1, right + 1);
+    grid->setColumnStretch(1, 1);
+    if (auto* const list = findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        QHeaderView& header = *list->header();
+        header.hideSection(kKindColumn); // the names tell
+        header.setSectionResizeMode(QHeaderView::ResizeToContents);
+        header.setSectionResizeMode(0, QHeaderView::Stretch);
+    }
     if (const QScreen* const onto = screen()) {
         resize(kDialogSize.boundedTo(onto->availableSize()));
     }

@@ -130,6 +130,9 @@ void frmToolImageDisplay::BuildStatusBar()
     mProgress->setTextVisible(false);
     mProgress->hide();
     statusBar()->setObjectName(QStringLiteral("StatusBar1"));
+    const int gap = fontMetrics().averageCharWidth();
+    mFacts->setContentsMargins(gap, 0, gap, 0);
+    mZoomLabel->setContentsMargins(gap, 0, gap, 0);
     statusBar()->addPermanentWidget(mProgress);
     statusBar()->addPermanentWidget(mFacts);
     statusBar()->addPermanentWidget(mZoomLabel);

@@ -103,6 +103,7 @@ private:
     void ShowBusy(bool busy);
 
     // Commands.
+    void Begun(const std::function<void()>& command);
     void Try(const std::function<void()>& command);
     void Run(const EnhanceCommand& command);
     void OnCopy(const std::function<void(EngineInstance&)>& work);

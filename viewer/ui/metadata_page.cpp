@@ -19,6 +19,7 @@ namespace {
 
 enum MetadataTab : quint8 { kImageTab, kGeneralTab, kCameraTab, kGpsTab, kDicomTab };
 
+constexpr int kWidePage = 1000; // pixels from which text and tabs stand side by side
 constexpr const char* kSoftwareBox = "txtSoftware";
 
 void FillRows(QTreeWidget* list, const QVector<CatalogueRow>& rows)
@@ -59,12 +60,17 @@ MetadataPage::MetadataPage(QWidget* parent)
 
     SSTab2->setObjectName(QStringLiteral("SSTab2"));
     SSTab2->setAccessibleName(tr("Photo information"));
+    SSTab2->setUsesScrollButtons(false);
+    SSTab2->setElideMode(Qt::ElideRight);
     lvImageInfo = AddList("lvImageInfo", QStringLiteral("Image Information"), kImageInfoColumns);
     BuildGeneral();
     lvCamera = AddList("lvCamera", QStringLiteral("Camera (Exif)"), kCameraColumns);
     lvGPS = AddList("lvGPS", QStringLiteral("GPS (Exif)"), kGpsColumns);
     lvDICOM = AddList("lvDICOM", QStringLiteral("DICOM Information"), kDicomColumns);
 
+    for (int tab = 0; tab < SSTab2->count(); ++tab) {
+        SSTab2->setTabToolTip(tab, SSTab2->tabText(tab));
+    }
     mHalves->setObjectName(QStringLiteral("splMetadata"));
     mHalves->setChildrenCollapsible(false);
     mHalves->addWidget(Frame1);
@@ -242,7 +248,7 @@ void MetadataPage::SetReadOnly(bool on)
 void MetadataPage::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
-    const bool wide = width() > height() * 3 / 2;
+    const bool wide = width() >= kWidePage && width() > height() * 3 / 2;
     const Qt::Orientation wanted = wide ? Qt::Horizontal : Qt::Vertical;
     if (mHalves->orientation() != wanted) {
         mHalves->setOrientation(wanted);

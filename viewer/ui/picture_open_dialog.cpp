@@ -35,8 +35,7 @@ QString PictureFactsWords(const ImageFacts& facts)
     if (facts.pages > 1) {
         words += u'\n' + PictureOpenDialog::tr("%1 pages").arg(facts.pages);
     }
-    return words + u'\n'
-        + locale.formattedDataSize(facts.sizeDisk, 1, QLocale::DataSizeTraditionalFormat);
+    return words + u'\n' + locale.formattedDataSize(facts.sizeDisk);
 }
 
 OpenPreview LookAtPicture(const QString& path, QSize box)
@@ -83,6 +82,7 @@ PictureOpenDialog::PictureOpenDialog(QWidget* owner, const QString& title, const
     Words().setMinimumHeight(Words().fontMetrics().lineSpacing() * 5);
     Panel().addStretch();
     connect(this, &QFileDialog::currentChanged, this, &PictureOpenDialog::Mark);
+    connect(&NameEdit(), &QLineEdit::textChanged, this, [this] { Mark(Target()); });
 }
 
 void PictureOpenDialog::Mark(const QString& path)

@@ -5,12 +5,14 @@
 #include "core/paths.h"
 #include "imaging/format_table.h"
 #include "imaging/reader.h"
+#include <QAbstractItemView>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QStyle>
 
 namespace quillane {
 
@@ -19,7 +21,7 @@ namespace {
 constexpr int kStampLeast = 16; // pixels, sides of the stamp's box
 constexpr int kStampMost = 1024;
 constexpr int kStampUsual = 160;
-constexpr int kFormatLetters = 26; // width of the boxes with long words
+constexpr int kFormatLetters = 36; // width of the boxes with long words
 
 void NameSaveControl(QWidget* control, const char* object, const QString& spoken,
                      const QString& tip = {})
@@ -82,8 +84,7 @@ void PictureSaveDialog::Build(qint32 quality)
     for (const SaveType& type : SaveTypes()) {
         mFormat->addItem(type.Words());
     }
-    mSubFormat = NewSaveBox("SaveSubFormat", tr("Sub-format"),
-                            tr("How the format lays and compresses the picture"));
+    mSubFormat = NewSaveBox("SaveSubFormat", tr("Sub-format"));
     mBits = NewSaveBox("SaveBits", tr("Colours"), tr("Bits for each pixel in the file"));
     mActual = new QCheckBox(tr("Actual si&ze"));
     NameSaveControl(mActual, "PreviewActual", tr("Actual size"),
@@ -210,11 +211,11 @@ void PictureSaveDialog::ShowChoices()
         mBits->addItem(DepthWords(variant, mPicture, *depth), *depth);
     }
     mBits->setCurrentIndex(mBits->findData(mChoices.Bits()));
-    for (QComboBox* const box : {mSubFormat, mBits}) {
-        for (int i = 0; i < box->count(); ++i) {
-            box->setItemData(i, box->itemText(i), Qt::ToolTipRole);
-        }
-    }
+    // Long words are whole in the list, and in the tip.
+    QAbstractItemView& list = *mSubFormat->view();
+    list.setMinimumWidth(list.sizeHintForColumn(0)
+                         + style()->pixelMetric(QStyle::PM_ScrollBarExtent));
+    mSubFormat->setToolTip(mSubFormat->currentText());
     EnableControls();
 }
 
@@ -241,7 +242,7 @@ void PictureSaveDialog::EnableControls()
 
 void PictureSaveDialog::NameChanged(const QString& name)
 {
-    if (!mRenaming && mChoices.NameTyped(name)) {
+    if (mChoices.NameTyped(name)) {
         ShowChoices();
         Preview();
     }
@@ -253,9 +254,12 @@ void PictureSaveDialog::RenameFile()
     const QString name = NameEdit().text();
     const QString renamed = mChoices.Renamed(name);
     if (renamed != name) {
-        mRenaming = true;
+        // The toolkit's dialog must not hear of it: it would mark that file beside the marked one
+        // and write both names.
+        const QSignalBlocker quiet(&NameEdit());
         NameEdit().setText(renamed);
-        mRenaming = false;
+        Hint({});
+        LookAtTarget();
     }
 }
 

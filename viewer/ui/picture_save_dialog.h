@@ -41,7 +41,6 @@ private:
     SavePreview mPreview;
     QString mLookedAt;         ///< the target that was looked at last
     bool mTargetTakes = false; ///< it is there and takes a further page
-    bool mRenaming = false;    ///< the name is changed by the dialog, not by a person
     bool mEncoding = false;
     bool mEncodeAgain = false;
     QComboBox* mFormat;

@@ -234,7 +234,10 @@ PreviewPane::PreviewPane(QWidget* parent)
     all->addWidget(mCanvas, 1);
     all->addLayout(below);
 
-    connect(mFull, &QToolButton::toggled, this, [this](bool on) { mCanvas->SetFit(!on); });
+    connect(mFull, &QToolButton::toggled, this, [this](bool on) {
+        mCanvas->SetFit(!on);
+        ShowWhichIsDown();
+    });
     connect(mBefore, &QToolButton::pressed, this, [this] { mCanvas->ShowBefore(true); });
     connect(mBefore, &QToolButton::released, this, [this] { mCanvas->ShowBefore(false); });
     connect(mCanvas, &PreviewCanvas::Zoomed, this, [this](double zoom) {
@@ -242,6 +245,28 @@ PreviewPane::PreviewPane(QWidget* parent)
         ShowWords();
     });
     connect(&mPreview, &LivePreview::Changed, this, &PreviewPane::ShowWords);
+    ShowWhichIsDown();
+}
+
+void PreviewPane::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        ShowWhichIsDown();
+    }
+}
+
+void PreviewPane::ShowWhichIsDown()
+{
+    // Styles show it by a shade that is hard to see in the dark.
+    for (QToolButton* button : {mFit, mFull}) {
+        QPalette colours;
+        if (button->isChecked()) {
+            colours.setColor(QPalette::Button, palette().color(QPalette::Highlight));
+            colours.setColor(QPalette::ButtonText, palette().color(QPalette::HighlightedText));
+        }
+        button->setPalette(colours);
+    }
 }
 
 void PreviewPane::SetFullSize(bool possible, bool first)
@@ -255,8 +280,12 @@ void PreviewPane::ShowWords()
 {
     const QString& failure = mPreview.Look().failure;
     // Small sizes are told more exactly: 0.4 % is not 0 %.
-    const QString shown = tr("Shown at %1 %").arg(mZoom * 100, 0, 'f', mZoom < 0.1 ? 1 : 0);
-    mWords->setText(failure.isEmpty() ? shown : failure);
+    QString words = failure;
+    // What an operation turns is shown as large as it then can be.
+    if (words.isEmpty() && mFull->isVisibleTo(this)) {
+        words = tr("Shown at %1 %").arg(mZoom * 100, 0, 'f', mZoom < 0.1 ? 1 : 0);
+    }
+    mWords->setText(words);
 }
 
 } // namespace quillane

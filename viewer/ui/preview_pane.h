@@ -57,8 +57,12 @@ public:
     /// Whether a part can be looked at in full size, and whether it is at first.
     void SetFullSize(bool possible, bool first);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     void ShowWords();
+    void ShowWhichIsDown();
 
     LivePreview mPreview;
     PreviewCanvas* mCanvas;

@@ -85,12 +85,9 @@ void frmToolImageDisplay::BuildToolBar()
                              || button.index == kRectangleButton
                              || button.index == kFreeHandButton);
         action->setVisible(button.index != kDrawTextButton && button.index != kDrawButton);
-        ConnectCommand(action, &QAction::triggered, this, mPlatform.dialogs,
-                       [this, index = button.index] {
-                           if (mBusy == 0) {
-                               Try([this, index] { ToolPressed(index); });
-                           }
-                       });
+        ConnectCommand(
+            action, &QAction::triggered, this, mPlatform.dialogs,
+            [this, index = button.index] { Begun([this, index] { ToolPressed(index); }); });
     }
     for (const ButtonKeys& row : kButtonKeys) {
         QAction* action = Toolbar1->window()->findChild<QAction*>(ButtonName(row.position));
@@ -105,12 +102,18 @@ void frmToolImageDisplay::BuildToolBar()
 void frmToolImageDisplay::Command(const char* name, const std::function<void()>& command)
 {
     ConnectCommand(mMenus.Action(QLatin1String(name)), &QAction::triggered, this, mPlatform.dialogs,
-                   [this, command] {
-                       if (mBusy == 0) {
-                           Try(command);
-                       }
-                       ShowTool();
-                   });
+                   [this, command] { Begun(command); });
+}
+
+void frmToolImageDisplay::Begun(const std::function<void()>& command)
+{
+    const QPointer<frmToolImageDisplay> self(this);
+    if (mBusy == 0) {
+        Try(command);
+    }
+    if (self) {
+        ShowTool();
+    }
 }
 
 void frmToolImageDisplay::ConnectFileMenu()
@@ -237,12 +240,13 @@ void frmToolImageDisplay::ToolPressed(int position)
         mTools->Crop();
         break;
     case kFillButton:
-        Run(*FindEnhanceCommand(QLatin1String("mnuFill")));
+        if (const EnhanceCommand* fill = FindEnhanceCommand(QLatin1String("mnuFill"))) {
+            Run(*fill);
+        }
         break;
     default:
         break;
     }
-    ShowTool();
 }
 
 void frmToolImageDisplay::OnCopy(const std::function<void(EngineInstance&)>& work)

@@ -5,6 +5,7 @@
 #include "imaging/acquire.h"
 #include "platform/run_aside.h"
 #include "viewer/ui/picture_file_dialogs.h"
+#include "widgets/ui/scan_settings_dialog.h"
 #include "widgets/ui/scan_source_dialog.h"
 
 namespace quillane {
@@ -153,11 +154,15 @@ void frmToolImageDisplay::AcquireTwain()
         const auto copy = std::make_shared<EngineInstance>(LEAD1);
         const BusyScope busy(*this);
         AcquireHooks hooks;
+        hooks.ask = [self](const ScanChoices& choices, ScanWishes& wishes) {
+            return self && AskScanWishes(self, choices, wishes);
+        };
         hooks.progress = [self](double part) {
-            if (self) {
-                self->mProgress->setRange(0, part < 0 ? 0 : 100);
-                self->mProgress->setValue(int(part * 100));
+            if (!self || self->mCloseWanted) {
+                throw Failure(kFailureCancelled, QStringLiteral("The window is gone."));
             }
+            self->mProgress->setRange(0, part < 0 ? 0 : 100);
+            self->mProgress->setValue(int(part * 100));
         };
         const auto steady = [self] {
             if (self) {

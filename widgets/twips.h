@@ -2,7 +2,7 @@
 
 namespace quillane {
 
-/// Windows, splitters and columns are measured in twips where they are stored.
+/// Places and sizes of windows are stored in twips.
 inline constexpr int kTwipsPerPixel = 15;
 
 } // namespace quillane
