@@ -28,6 +28,11 @@ protected:
         const QPointF last = At(to.x(), to.y());
         DragThrough(mView, {first, (first + last) / 2, last}, modifiers, release);
     }
+    /// Where a pixel of the picture lies in what Grabbed gives, which is in device pixels.
+    QPoint OnScreen(double x, double y) const
+    {
+        return (At(x + 0.5, y + 0.5) * mView.devicePixelRatioF() - QPointF(0.5, 0.5)).toPoint();
+    }
     const QImage& Pixels() const { return LEAD1.Bitmap().Pixels(); }
     Qt::CursorShape PointerOver(double x, double y, Qt::KeyboardModifiers modifiers = {})
     {
@@ -184,7 +189,7 @@ TEST_F(RegionToolsTest, ADragInsideMovesTheRegionsPixels)
     EXPECT_EQ(mView.RegionFrame(), 0) << "hidden while it is moved";
     EXPECT_EQ(Pixels(), before) << "nothing has changed yet";
     const QImage shown = Grabbed(*mView.viewport()).convertToFormat(QImage::Format_RGB32);
-    EXPECT_EQ(shown.pixel(At(85, 95).toPoint()), before.pixel(25, 35)) << "it shows where it lies";
+    EXPECT_EQ(shown.pixel(OnScreen(85, 95)), before.pixel(25, 35)) << "it shows where it lies";
     SendMouse(mView, QEvent::MouseButtonRelease, At(90, 100));
     EXPECT_FALSE(LEAD1.FloaterVisible());
     EXPECT_EQ(LEAD1.RegionBounds(), QRect(80, 90, 40, 20));
@@ -192,7 +197,7 @@ TEST_F(RegionToolsTest, ADragInsideMovesTheRegionsPixels)
     EXPECT_EQ(Pixels().copy(80, 90, 40, 20), before.copy(20, 30, 40, 20));
     EXPECT_EQ(Pixels().copy(0, 0, 200, 90), before.copy(0, 0, 200, 90)) << "the rest as it was";
     EXPECT_EQ(mPicture.size(), 1);
-    EXPECT_EQ(Finished(mView).pixel(At(85, 95).toPoint()), before.pixel(25, 35));
+    EXPECT_EQ(Finished(mView).pixel(OnScreen(85, 95)), before.pixel(25, 35));
 }
 
 TEST_F(RegionToolsTest, AFloaterMovesRightAtEveryZoom)
@@ -322,6 +327,33 @@ TEST_F(RegionToolsTest, TheFrameIsHiddenAndShownAndTheRegionStays)
     EXPECT_FALSE(mView.IsMarching()) << "nobody sees it";
     mView.show();
     EXPECT_TRUE(mView.IsMarching());
+}
+
+TEST_F(RegionToolsTest, TheFrameLiesOnTheRegionsOutermostPixels)
+{
+    QImage grey(200, 150, QImage::Format_RGB32);
+    grey.fill(QColor(128, 128, 128));
+    Use(grey);
+    LEAD1.SetRegionRect(40, 30, 60, 50);
+    mTools.SetRegionFrame(1);
+    for (const int percent : {100, 400}) {
+        mView.SetPaintSizeMode(EngineView::kPaintScaled);
+        mView.SetPaintScalar(percent);
+        mView.Show(LEAD1);
+        const QImage shown = Grabbed(*mView.viewport()).convertToFormat(QImage::Format_RGB32);
+        const QPoint corner =
+            (At(40, 30) * mView.devicePixelRatioF()).toPoint(); // the first screen pixel inside
+        if (!shown.rect().contains(corner)) {
+            continue;
+        }
+        const int far = 3 * qRound(mView.devicePixelRatioF());
+        for (int i = 0; i < 30; ++i) {
+            EXPECT_NE(shown.pixel(corner + QPoint(i, 0)), grey.pixel(0, 0));
+            EXPECT_NE(shown.pixel(corner + QPoint(0, i)), grey.pixel(0, 0));
+        }
+        EXPECT_EQ(shown.pixel(corner + QPoint(far, far)), grey.pixel(0, 0));
+        EXPECT_EQ(shown.pixel(corner - QPoint(far, far)), grey.pixel(0, 0));
+    }
 }
 
 TEST_F(RegionToolsTest, TheFrameShowsOnAnyPictureAndMarches)
