@@ -213,6 +213,23 @@ TEST(SaveImageAs, APngIsLosslessWhateverTheDialogSaid)
     EXPECT_GT(best, 4 * StatPath(choice.file).size);
 }
 
+TEST(SaveImageAs, ZerosThatACameraLeftInTheTextDoNotStopASave)
+{
+    struct Case {
+        const char* name;
+        qint16 format;
+    };
+    for (const Case& one : {Case{"new.png", 75}, Case{"new.jpg", 98}, Case{"new.tif", 3},
+                            Case{"new.gif", 2}, Case{"plain.jpg", 10}}) {
+        SaveRoadPlace place;
+        place.Open("AST_0101.JPG");
+        place.held.tags = QStringLiteral("CAMERA") + QChar(u'\0') + QStringLiteral("  ")
+            + QChar(u'\0') + QChar(u'\0');
+        place.SaveAs(place.Choice(one.name, one.format, one.format == 2 ? 8 : 24));
+        EXPECT_TRUE(place.Description(one.name).startsWith(QStringLiteral("CAMERA"))) << one.name;
+    }
+}
+
 TEST(SaveImageAs, WithoutANameNothingHappens)
 {
     SaveRoadPlace place;
