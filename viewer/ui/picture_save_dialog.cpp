@@ -361,7 +361,7 @@ void PictureSaveDialog::accept()
     mChosen.stampBits = mStampBits->currentData().toInt();
     mChosen.stampSize = float(mStampSize->value());
     mChosen.multiPage = adds ? 1 : 0;
-    QDialog::accept();
+    done(Accepted);
 }
 
 } // namespace quillane
