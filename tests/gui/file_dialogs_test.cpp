@@ -73,6 +73,23 @@ TEST_F(FileDialogsTest, OpenGoesIntoAFolderThatIsTyped)
     EXPECT_EQ(Open(), folder.Path("inner/petals.png"));
 }
 
+TEST_F(FileDialogsTest, TheToolkitsOwnDialogsKeepTheirColumns)
+{
+    Copy("petals.png");
+    for (int round = 0; round < 2; ++round) {
+        WhenShown([this] { EXPECT_TRUE(Find<QTreeView>("treeView")->isColumnHidden(2)); });
+        EXPECT_EQ(FailureOf([&] { FileSaveDialog(nullptr, Start("petals.png")); }),
+                  kFailureCancelled);
+        QFileDialog plain;
+        plain.setOption(QFileDialog::DontUseNativeDialog);
+        const auto* const list = plain.findChild<QTreeView*>(QStringLiteral("treeView"));
+        ASSERT_NE(list, nullptr);
+        for (int column = 0; column < 4; ++column) {
+            EXPECT_FALSE(list->isColumnHidden(column)) << column;
+        }
+    }
+}
+
 TEST_F(FileDialogsTest, EscapeCancelsBoth)
 {
     Copy("petals.png");

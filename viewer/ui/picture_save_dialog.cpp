@@ -71,6 +71,7 @@ PictureSaveDialog::PictureSaveDialog(QWidget* owner, const SaveDialogStart& star
         const bool written = FindSaveVariant(start.format) != nullptr;
         selectFile(written ? start.fileName : mChoices.Renamed(start.fileName));
     }
+    HideDates();
     Build(start.quality);
     ShowChoices();
     Connect();
