@@ -94,7 +94,7 @@ private:
     };
     const Copy& ReducedTo(std::optional<Copy>& kept, QSize size);
     PreviewLook LookFitted(QSize room, const EffectWish& wish, bool draft);
-    PreviewLook LookAtPart(const PreviewView& view, const EffectWish& wish);
+    PreviewLook LookAtPart(const PreviewView& view, const EffectWish& wish, bool draft);
     QSize WorkSize(QSize fitted, EffectReach reach, bool draft) const;
     const Region* RegionOf(const Copy& copy) const
     {
