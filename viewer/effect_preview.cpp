@@ -107,12 +107,12 @@ Bitmap ReducedInStrips(const Bitmap& picture, int factor)
     return result;
 }
 
-int ShiftedDown(int place, int origin, int grid)
+int PreviewGridDown(int place, int origin, int grid)
 {
     return origin + int(std::floor(double(place - origin) / grid)) * grid;
 }
 
-int ShiftedUp(int place, int origin, int grid)
+int PreviewGridUp(int place, int origin, int grid)
 {
     return origin + int(std::ceil(double(place - origin) / grid)) * grid;
 }
@@ -145,10 +145,10 @@ QRect PreviewWorked(const QRect& part, QSize picture, QPoint gridOrigin, const E
 {
     const int grid = std::max(1, wish.grid);
     const QRect wide = part.adjusted(-wish.margin, -wish.margin, wish.margin, wish.margin);
-    const QPoint from(ShiftedDown(wide.left(), gridOrigin.x(), grid),
-                      ShiftedDown(wide.top(), gridOrigin.y(), grid));
-    const QPoint end(ShiftedUp(wide.right() + 1, gridOrigin.x(), grid),
-                     ShiftedUp(wide.bottom() + 1, gridOrigin.y(), grid));
+    const QPoint from(PreviewGridDown(wide.left(), gridOrigin.x(), grid),
+                      PreviewGridDown(wide.top(), gridOrigin.y(), grid));
+    const QPoint end(PreviewGridUp(wide.right() + 1, gridOrigin.x(), grid),
+                     PreviewGridUp(wide.bottom() + 1, gridOrigin.y(), grid));
     return QRect(from, QSize(end.x() - from.x(), end.y() - from.y())) & QRect(QPoint(), picture);
 }
 
