@@ -127,8 +127,7 @@ bool HistogramChart::event(QEvent* event)
 
 Histogram::Histogram(const EngineInstance& LEAD1, QWidget* parent)
     : QDialog(parent),
-      mPicture(LEAD1.Bitmap()),
-      mRegion(LEAD1.RegionShape()),
+      mLead(LEAD1),
       mChart(new HistogramChart),
       mChannels(new QButtonGroup(this)),
       mFilter(new QComboBox),
@@ -161,7 +160,7 @@ Histogram::Histogram(const EngineInstance& LEAD1, QWidget* parent)
     mHalf->setObjectName(QStringLiteral("YMaxDiv2"));
     mHalf->setAccessibleName(tr("Half of that"));
     // Room for the largest number there can be, so that nothing moves with the channel.
-    const qint64 all = qint64(mPicture.Width()) * mPicture.Height();
+    const qint64 all = qint64(mLead.BitmapWidth()) * mLead.BitmapHeight();
     mMost->setMinimumWidth(mMost->fontMetrics().horizontalAdvance(TextOf(double(all) + 0.5)));
     mMost->setAlignment(Qt::AlignRight);
     auto* scale = new QVBoxLayout;
@@ -214,7 +213,7 @@ void Histogram::DrawChannel()
     const int channel = mChannels->checkedId();
     const auto count = std::make_shared<Count>();
     mJobs.Run(
-        [count, picture = mPicture, region = mRegion, channel] {
+        [count, picture = mLead.Bitmap(), region = mLead.RegionShape(), channel] {
             try {
                 count->table = processing::Histogram(picture, region.IsEmpty() ? nullptr : &region,
                                                      processing::HistogramChannel(channel));

@@ -48,6 +48,10 @@ protected:
         QStylePainter painter(this);
         QStyleOptionToolButton option;
         initStyleOption(&option);
+        if (isChecked()) {
+            // Styles show it by a shade that is hard to see in the dark.
+            option.palette.setColor(QPalette::Button, palette().color(QPalette::Highlight));
+        }
         painter.drawComplexControl(QStyle::CC_ToolButton, option);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.translate(width() / 2.0, height() / 2.0);
@@ -61,7 +65,8 @@ protected:
         arrow.lineTo(-1.5, -1);
         arrow.lineTo(-5, -1);
         arrow.closeSubpath();
-        painter.fillPath(arrow, palette().color(QPalette::ButtonText));
+        painter.fillPath(
+            arrow, palette().color(isChecked() ? QPalette::HighlightedText : QPalette::ButtonText));
     }
 
 private:
