@@ -313,9 +313,11 @@ PreviewLook PreviewSource::LookAtPart(const PreviewView& view, const EffectWish&
     look.before = processing::Trim(piece, inside).ToDisplay();
     look.after = look.before;
     const Region region = mRegion.Moved(worked.size(), -worked.left(), -worked.top());
-    if (!mRegion.IsEmpty()) {
-        look.outline = RegionOutline(mRegion, part);
+    if (!mRegion.IsEmpty() && mPart != part) {
+        mPartOutline = RegionOutline(mRegion, part);
+        mPart = part;
     }
+    look.outline = mPartOutline;
     if (!wish.work || (!mRegion.IsEmpty() && region.IsEmpty())) {
         return look;
     }
@@ -330,6 +332,17 @@ PreviewLook PreviewSource::LookAtPart(const PreviewView& view, const EffectWish&
         const Copy& small = ReducedTo(mFitted, PreviewFit(all, view.room));
         input.whole = &small.picture;
         input.wholeRegion = RegionOf(small);
+    }
+    if (wish.grid > 1 && !region.IsEmpty() && !region.IsRectangle()) {
+        // Squares are counted from the bounds of the whole shape, not of what is left of it here.
+        const QRect bounds = mRegion.Bounds().translated(-worked.topLeft());
+        const Region box = Region::Rectangle(worked.size(), bounds.left(), bounds.top(),
+                                             bounds.width(), bounds.height());
+        input.region = &box;
+        const Bitmap squares = wish.work(input);
+        look.after = processing::Trim(processing::PastedInto(tried, region, squares, {}), inside)
+                         .ToDisplay();
+        return look;
     }
     look.after = processing::Trim(wish.work(input), inside).ToDisplay();
     return look;

@@ -103,6 +103,8 @@ private:
 
     Bitmap mPicture;
     Region mRegion;
+    QRect mPart;                 ///< that was looked at last in full size
+    QImage mPartOutline;         ///< of the region on it
     std::optional<Copy> mFitted; ///< of the room's size
     std::optional<Copy> mDraft;  ///< of more pixels, for a draft
     std::optional<Copy> mFine;   ///< of as many as are worked on

@@ -277,6 +277,24 @@ TEST(PreviewSource, APartInFullSizeIsExactlyThatPartOfTheResult)
     }
 }
 
+TEST(PreviewSource, SquaresStandWhereTheyWillInEveryPartOfAShape)
+{
+    const QSize all(900, 700);
+    const Bitmap picture = SmoothPicture(all);
+    const Region region = Region::Ellipse(all, 61, 43, 777, 611);
+    PreviewSource source(picture, region);
+    for (const qint32 size : {7, 37, 200, 500}) {
+        const EffectWish wish = Value(256, size);
+        const QImage result = wish.work({picture, &region}).ToDisplay();
+        for (const QPoint& centre : {QPoint(150, 120), QPoint(800, 600), QPoint(450, 60),
+                                     QPoint(90, 350), QPoint(450, 350)}) {
+            const QRect part = PreviewPart(all, kRoom, centre);
+            EXPECT_EQ(source.Look({false, kRoom, centre}, wish).after, result.copy(part))
+                << size << " at " << centre.x() << ' ' << centre.y();
+        }
+    }
+}
+
 TEST(PreviewSource, APartIsContrastedAroundTheMeanOfTheWhole)
 {
     QImage pixels(1000, 600, QImage::Format_RGB32);
