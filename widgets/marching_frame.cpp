@@ -11,6 +11,7 @@ namespace {
 
 constexpr int kMarchInterval = 110; ///< milliseconds
 constexpr int kMarchDash = 4;       ///< logical pixels
+constexpr int kMarchFar = 1 << 26;  ///< more than any picture takes, so that nothing is negative
 
 } // namespace
 
@@ -53,7 +54,15 @@ void MarchingFrame::Paint(QPainter& painter, const ViewGeometry& geometry, QSize
         return;
     }
     if (mOutdated || !(geometry == mGeometry) || view != mView) {
-        mPoints = OutlineOnScreen(mRegion, geometry, view);
+        const std::vector<QPoint> outline = OutlineOnScreen(mRegion, geometry, view);
+        mDots.clear();
+        mDots.reserve(outline.size());
+        for (const QPoint& point : outline) {
+            // The dashes stick to the picture, not to the view.
+            const QPoint at = point - geometry.origin;
+            const bool upwards = RunsUpwards(mRegion, geometry, point);
+            mDots.push_back({point, upwards ? at.x() - at.y() + kMarchFar : at.x() + at.y()});
+        }
         mGeometry = geometry;
         mView = view;
         mOutdated = false;
@@ -62,13 +71,10 @@ void MarchingFrame::Paint(QPainter& painter, const ViewGeometry& geometry, QSize
     const int dash = kMarchDash * line;
     std::array<std::vector<QPoint>, 2> points;
     for (std::vector<QPoint>& some : points) {
-        some.reserve(mPoints.size() / 2 + 1);
+        some.reserve(mDots.size() / 2 + 1);
     }
-    // The dashes stick to the picture, not to the view.
-    const QPoint origin = geometry.origin;
-    for (const QPoint& point : mPoints) {
-        const int along = point.x() - origin.x() + point.y() - origin.y() + mStep * line;
-        points[size_t(along / dash) & 1].push_back(point);
+    for (const Dot& dot : mDots) {
+        points[size_t((dot.along + mStep * line) / dash) & 1].push_back(dot.point);
     }
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing, false);

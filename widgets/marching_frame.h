@@ -42,7 +42,11 @@ private:
     bool mOutdated = true; ///< the points are those of another place
     ViewGeometry mGeometry;
     QSize mView;
-    std::vector<QPoint> mPoints;
+    struct Dot {
+        QPoint point;
+        int along; ///< its place in the pattern
+    };
+    std::vector<Dot> mDots;
 };
 
 } // namespace quillane

@@ -13,13 +13,35 @@ constexpr qint64 kPainterAtOnce = 6'000'000;       ///< nanoseconds of a paint f
 constexpr qint64 kPainterSmallPicture = 1'500'000; ///< pixels, for which copies do not pay
 constexpr int kPainterLeastReduced = 512;          ///< longer side of the last reduced copy
 constexpr size_t kPainterTilesOfAJob = 4;
-constexpr double kPainterPixel = 2;           ///< nanoseconds that a pixel may take at first guess
-constexpr double kPainterConvertedPixel = 15; ///< the same with a profile
-constexpr double kPainterSquares = 2.0;       ///< from this zoom on, pixels are shown as squares
+constexpr double kPainterReducedAtOnce = 25e6; ///< nanoseconds for copies on the window thread
+constexpr double kPainterPixel = 2;            ///< nanoseconds that a pixel may take at first guess
+constexpr double kPainterConvertedPixel = 15;  ///< the same with a profile
+constexpr double kPainterSquares = 2.0;        ///< from this zoom on, pixels are shown as squares
+
+/// Nanoseconds that working on a pixel may take, at first guess.
+double PainterPixelCost(const PictureSource& source)
+{
+    return source.bitmap.Icc().isEmpty() ? kPainterPixel : kPainterConvertedPixel;
+}
 
 int PainterFirstFactor(const PictureSource& source)
 {
     return source.bitmap.Pixels().format() == QImage::Format_Mono ? 8 : 4;
+}
+
+/// From large to small; none where there is no memory, fewer when stopped.
+std::vector<PictureSource> PainterReducedCopies(const PictureSource& full, const StopFlag& stop)
+{
+    std::vector<PictureSource> copies;
+    PictureSource next = ReducedBy(PainterFirstFactor(full), full, &stop);
+    while (!next.IsEmpty()) {
+        copies.push_back(next);
+        if (std::max(next.extent.width(), next.extent.height()) <= kPainterLeastReduced) {
+            break;
+        }
+        next = ReducedBy(4, next, &stop);
+    }
+    return copies;
 }
 
 } // namespace
@@ -130,29 +152,30 @@ void PicturePainter::MakeReduced()
     if (mReducedState != Reduced::None) {
         return;
     }
+    const double pixels = double(mFull.picture.width()) * mFull.picture.height();
+    if (pixels * PainterPixelCost(mFull) <= kPainterReducedAtOnce) {
+        TakeReduced(PainterReducedCopies(mFull, *mStop));
+        return;
+    }
     mReducedState = Reduced::Making;
     const auto made = std::make_shared<std::vector<PictureSource>>();
     mReducedJobs.Run(
-        [made, full = mFull, stop = mStop] {
-            PictureSource next = ReducedBy(PainterFirstFactor(full), full, stop.get());
-            while (!next.IsEmpty() && !stop->load()) {
-                made->push_back(next);
-                if (std::max(next.extent.width(), next.extent.height()) <= kPainterLeastReduced) {
-                    break;
-                }
-                next = ReducedBy(4, next, stop.get());
-            }
-        },
+        [made, full = mFull, stop = mStop] { *made = PainterReducedCopies(full, *stop); },
         [this, made, picture = mPicture] {
-            if (picture != mPicture) {
-                return;
+            if (picture == mPicture) {
+                TakeReduced(std::move(*made));
+                mStale = true;
+                Q_EMIT better(QRect());
             }
-            mReduced = std::move(*made);
-            mReducedState = mReduced.empty() ? Reduced::Failed : Reduced::Ready;
-            mEarly = {};
-            mStale = true;
-            Q_EMIT better(QRect());
         });
+}
+
+void PicturePainter::TakeReduced(std::vector<PictureSource> copies)
+{
+    mReduced = std::move(copies);
+    mReducedState = mReduced.empty() ? Reduced::Failed : Reduced::Ready;
+    mEarly = {};
+    mTileCost = GuessedCost();
 }
 
 /// Before a tile was made at this size: by the pixels of the source that it covers.
@@ -164,9 +187,7 @@ qint64 PicturePainter::GuessedCost() const
     }
     const double across = std::max(1.0, source->extent.width() / mShown.width());
     const double down = std::max(1.0, source->extent.height() / mShown.height());
-    const bool converted = !source->bitmap.Icc().isEmpty();
-    return qint64(across * down * kTileSide * kTileSide
-                  * (converted ? kPainterConvertedPixel : kPainterPixel));
+    return qint64(across * down * kTileSide * kTileSide * PainterPixelCost(*source));
 }
 
 QImage PicturePainter::Good(const PictureSource& source, QSize shown, const QRect& part,
@@ -268,7 +289,7 @@ void PicturePainter::Paint(QPainter& painter, const ViewGeometry& geometry, QSiz
         || PaintDirectly(painter, geometry, seen)) {
         return;
     }
-    if (WantsReduced(geometry.shown)) {
+    if (WantsReduced(mShown)) {
         MakeReduced();
     }
     const qint64 tilesOfView =

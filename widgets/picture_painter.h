@@ -59,6 +59,7 @@ private:
     Choice Choose(QSize shown) const;
     bool WantsReduced(QSize shown) const;
     void MakeReduced();
+    void TakeReduced(std::vector<PictureSource> copies);
     bool PaintDirectly(QPainter& painter, const ViewGeometry& geometry, const QRect& seen) const;
     const Tile& TileFor(const TileKey& key, qint64 nanosecondsLeft);
     qint64 GuessedCost() const;

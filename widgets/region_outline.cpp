@@ -115,4 +115,16 @@ std::vector<QPoint> OutlineOnScreen(const Region& region, const ViewGeometry& ge
     return any || !thin ? points : OutlineOfRectangle(edges, all);
 }
 
+bool RunsUpwards(const Region& region, const ViewGeometry& geometry, QPoint point)
+{
+    constexpr int kReach = 3; // screen pixels
+    const auto inside = [&](int right, int down) {
+        const QPointF place((point.x() + right + 0.5 - geometry.origin.x()) / geometry.ZoomX(),
+                            (point.y() + down + 0.5 - geometry.origin.y()) / geometry.ZoomY());
+        return region.Contains(int(std::floor(place.x())), int(std::floor(place.y())));
+    };
+    return !region.IsRectangle() && inside(kReach, kReach) != inside(-kReach, -kReach)
+        && inside(kReach, -kReach) == inside(-kReach, kReach);
+}
+
 } // namespace quillane

@@ -12,4 +12,8 @@ namespace quillane {
 /// however ragged the region.
 std::vector<QPoint> OutlineOnScreen(const Region& region, const ViewGeometry& geometry, QSize view);
 
+/// Whether the outline runs upwards to the right there, at about 45 degrees; `point` is one of
+/// OutlineOnScreen's. Dashes counted by x + y would not change along such a line.
+bool RunsUpwards(const Region& region, const ViewGeometry& geometry, QPoint point);
+
 } // namespace quillane

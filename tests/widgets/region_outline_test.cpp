@@ -70,6 +70,29 @@ TEST(OutlineOnScreen, IsTheEdgeAtEveryZoomAndScrollPositionForEveryShape)
     }
 }
 
+TEST(RunsUpwards, IsSoOnTheLinesThatDoAndOnNoOther)
+{
+    // A square that stands on its corner: two of its sides run upwards to the right.
+    const Region square = Region::FreeHand(kPicture, {{60, 5}, {100, 45}, {60, 85}, {20, 45}});
+    const ViewGeometry geometry = Geometry(2, {3, 4});
+    int upwards = 0;
+    int others = 0;
+    for (const QPoint& point : OutlineOnScreen(square, geometry, {300, 200})) {
+        const QPoint at = (point - geometry.origin) / 2 - QPoint(60, 45);
+        if (std::abs(at.x()) < 6 || std::abs(at.y()) < 6) {
+            continue; // near a corner
+        }
+        const bool leftTop = at.x() < 0 && at.y() < 0;
+        const bool rightBottom = at.x() > 0 && at.y() > 0;
+        EXPECT_EQ(RunsUpwards(square, geometry, point), leftTop || rightBottom)
+            << at.x() << ", " << at.y();
+        (leftTop || rightBottom ? upwards : others) += 1;
+    }
+    EXPECT_GT(upwards, 50);
+    EXPECT_GT(others, 50);
+    EXPECT_FALSE(RunsUpwards(Region::Rectangle(kPicture, 5, 5, 20, 20), geometry, {13, 14}));
+}
+
 TEST(OutlineOnScreen, AThinRegionStillHasOne)
 {
     const ViewGeometry geometry = Geometry(0.1, {5, 5});

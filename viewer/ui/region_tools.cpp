@@ -10,11 +10,11 @@ namespace quillane {
 
 namespace {
 
-constexpr double kLeastDrag = 3; ///< logical pixels; what is shorter is a click
+constexpr double kRegionLeastDrag = 3; ///< logical pixels; what is shorter is a click
 
-constexpr Qt::KeyboardModifiers kNewRegion = Qt::ShiftModifier | Qt::ControlModifier;
+constexpr Qt::KeyboardModifiers kRegionNewKeys = Qt::ShiftModifier | Qt::ControlModifier;
 
-qint32 BandOfTool(RegionTool tool)
+qint32 RegionBandOf(RegionTool tool)
 {
     switch (tool) {
     case RegionTool::Rectangle:
@@ -51,7 +51,7 @@ RegionTools::~RegionTools() = default;
 void RegionTools::UseTool(RegionTool tool)
 {
     Cancel();
-    mView.SetRubberBandMode(BandOfTool(tool));
+    mView.SetRubberBandMode(RegionBandOf(tool));
     if (tool != mTool) {
         mTool = tool;
         Q_EMIT ToolChanged();
@@ -168,7 +168,7 @@ bool RegionTools::eventFilter(QObject* watched, QEvent* event)
 
 bool RegionTools::IsMovable(const QPointF& client, Qt::KeyboardModifiers modifiers) const
 {
-    if (mMagnifier || !LEAD1.HasRegion() || (modifiers & kNewRegion) != 0) {
+    if (mMagnifier || !LEAD1.HasRegion() || (modifiers & kRegionNewKeys) != 0) {
         return false;
     }
     const QPointF place = mView.ClientToBitmap(client);
@@ -258,7 +258,7 @@ void RegionTools::EndBand()
     mDrag = Drag::None;
     mView.EndRubberBand();
     const QRectF drawn = mView.RubberBandRect();
-    if (drawn.width() < kLeastDrag && drawn.height() < kLeastDrag) {
+    if (drawn.width() < kRegionLeastDrag && drawn.height() < kRegionLeastDrag) {
         ClearRegion();
         return;
     }

@@ -15,12 +15,12 @@ namespace quillane {
 /// up to date too and ends a drag whose picture is gone. No method throws; what the engine refuses
 /// is left as it was.
 ///
-/// Owner: `view` and `LEAD1` outlive this object. Undo copies are the owner's: it takes them before
-/// it calls StartRubberBand; moving a floater takes none.
+/// Owner: `view` and `instance`, which is LEAD1, outlive this object. Undo copies are the owner's:
+/// it takes them before it calls StartRubberBand; moving a floater takes none.
 class RegionTools : public QObject {
     Q_OBJECT
 public:
-    RegionTools(EngineView& view, EngineInstance& LEAD1, QObject* parent = nullptr);
+    RegionTools(EngineView& view, EngineInstance& instance, QObject* parent = nullptr);
     ~RegionTools() override;
 
     /// The shape that the next drag makes.
