@@ -192,6 +192,13 @@ void NoteLoaded(ViewerPicture& held, EngineInstance& LEAD1, const QString& file)
     }
 }
 
+void NoteBeforeNewPicture(ViewerPicture& held, const EngineInstance& LEAD1)
+{
+    if (LEAD1.Loaded() && LEAD1.Loaded() == held.loaded) {
+        held.pixels = LEAD1.Bitmap().Pixels().cacheKey();
+    }
+}
+
 void SaveImage(EngineInstance& LEAD1, ViewerPicture& held, const UiLoop& loop)
 {
     RequireOwnFormat(held);

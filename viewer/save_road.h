@@ -22,13 +22,17 @@ struct ViewerPicture {
     // As the file was when it was loaded or saved; NoteLoaded and the saves fill them in.
     std::shared_ptr<const LoadedFile> loaded;
     std::shared_ptr<const CommentSet> comments;
-    qint64 pixels = 0; ///< key of the pixels that were loaded or saved; 0: not those of the file
+    qint64 pixels = 0; ///< key of pixels that belong to that file; 0: none do
 };
 
 /// Makes `file` the viewer's file and notes what LEAD1 has loaded from it: format, depth, comments
 /// and the file itself; nothing where LEAD1 holds no picture of that file. The texts are emptied
 /// and count as not read until the window has filled them. It reads from the file.
 void NoteLoaded(ViewerPicture& held, EngineInstance& LEAD1, const QString& file);
+
+/// To be called before another picture takes the place of LEAD1's (a paste, a scan): taken back by
+/// an undo, the old one still belongs to its file.
+void NoteBeforeNewPicture(ViewerPicture& held, const EngineInstance& LEAD1);
 
 /// Saves over the viewer's file in its own format and depth, with every comment of the file, the
 /// text of the tags and the general tags. Failure, with the file as it was: a format that cannot

@@ -1,6 +1,7 @@
 #include "imaging/saving/saver.h"
 #include "core/atomic_save.h"
 #include "core/failure.h"
+#include "imaging/carry/comment_changes.h"
 #include "imaging/comments/slots.h"
 #include "imaging/reader.h"
 #include "imaging/saving/save_append.h"
@@ -28,6 +29,14 @@ bool SavedFormatIsRead(const char* name)
            });
 }
 
+/// A description as it is compared: kinds of file that cannot hold a zero have a line feed there.
+CommentValue ComparedDescription(const CommentSet& comments)
+{
+    const CommentValue held = HeldValue(comments.At(kDescriptionSlot));
+    const QString* const text = held.If<QString>();
+    return text ? CommentValue(QString(*text).replace(QChar(u'\0'), u'\n')) : held;
+}
+
 /// Reads a finished draft back: what it says of itself, and the text that people type.
 void ReadBack(const QString& draft, const SaveJob& job, const SavePlan& plan)
 {
@@ -42,8 +51,8 @@ void ReadBack(const QString& draft, const SaveJob& job, const SavePlan& plan)
     }
     bool good = found == QSize(job.picture.Width(), job.picture.Height());
     if (good && plan.variant->carrier != CommentCarrier::None) {
-        const CommentValue& wanted = job.comments.At(kDescriptionSlot);
-        good = wanted.IsEmpty() || ReadComments(source, job.path).At(kDescriptionSlot) == wanted;
+        const CommentValue wanted = ComparedDescription(job.comments);
+        good = wanted.IsEmpty() || ComparedDescription(ReadComments(source, job.path)) == wanted;
     }
     if (!good) {
         throw Failure(

@@ -1,6 +1,7 @@
 // Saves from the viewer: what goes into the file, what stays, and what is refused.
 #include "save_road_support.h"
 
+#include "imaging/acquire.h"
 #include "imaging/format_table.h"
 #include "imaging/reader.h"
 #include "imaging/thumbs/exif_preview.h"
@@ -212,6 +213,23 @@ TEST(SaveImageAs, APngIsLosslessWhateverTheDialogSaid)
     EXPECT_GT(best, 4 * StatPath(choice.file).size);
 }
 
+TEST(SaveImageAs, ZerosThatACameraLeftInTheTextDoNotStopASave)
+{
+    struct Case {
+        const char* name;
+        qint16 format;
+    };
+    for (const Case& one : {Case{"new.png", 75}, Case{"new.jpg", 98}, Case{"new.tif", 3},
+                            Case{"new.gif", 2}, Case{"plain.jpg", 10}}) {
+        SaveRoadPlace place;
+        place.Open("AST_0101.JPG");
+        place.held.tags = QStringLiteral("CAMERA") + QChar(u'\0') + QStringLiteral("  ")
+            + QChar(u'\0') + QChar(u'\0');
+        place.SaveAs(place.Choice(one.name, one.format, one.format == 2 ? 8 : 24));
+        EXPECT_TRUE(place.Description(one.name).startsWith(QStringLiteral("CAMERA"))) << one.name;
+    }
+}
+
 TEST(SaveImageAs, WithoutANameNothingHappens)
 {
     SaveRoadPlace place;
@@ -355,16 +373,46 @@ TEST(SaveImage, APasteThatWasTakenBackLosesNothingOfTheFile)
     place.Write("camera.jpg", camera);
     place.OpenFile("camera.jpg");
     for (int round = 0; round < 3; ++round) {
+        place.LEAD1.Flip();
         const Bitmap undo = place.LEAD1.Bitmap();
+        NoteBeforeNewPicture(place.held, place.LEAD1);
         place.Paste();
         place.LEAD1.SetBitmap(undo);
         place.Save();
         EXPECT_NE(place.LEAD1.Loaded(), nullptr) << round;
         EXPECT_TRUE(place.Whole("camera.jpg").contains("the maker's")) << round;
     }
+    // Neither does an undo without a note, of pixels as they were saved.
+    const Bitmap undo = place.LEAD1.Bitmap();
+    place.Paste();
+    place.LEAD1.SetBitmap(undo);
+    place.Save();
+    EXPECT_TRUE(place.Whole("camera.jpg").contains("the maker's"));
     place.Paste();
     place.Save();
     EXPECT_FALSE(place.Whole("camera.jpg").contains("the maker's"));
+}
+
+TEST(SaveImage, AScannedPageTakesThePlaceOfTheLoadedPicture)
+{
+    SaveRoadPlace place;
+    place.Open("petals.png");
+    FakeScanner scanner;
+    FakeLoop loop;
+    scanner.sources = {
+        {QStringLiteral("one"), QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}};
+    scanner.page.width = 2;
+    scanner.page.height = 3;
+    scanner.page.channels = 1;
+    scanner.page.depth = 8;
+    scanner.page.bytesPerLine = 2;
+    scanner.page.rows = QByteArray("\x01\x02\x03\x04\x05\x06", 6);
+    ASSERT_EQ(TwainAcquire(place.LEAD1, scanner, loop), 0);
+    EXPECT_EQ(place.LEAD1.Loaded(), nullptr);
+    EXPECT_EQ(place.held.file, place.Path("petals.png"));
+    place.Save();
+    EXPECT_EQ(LoadFile(place.held.file).bitmap.Pixels().size(), QSize(2, 3));
+    EXPECT_EQ(ProbeFile(place.held.file).format, 75);
 }
 
 TEST(NoteLoaded, AFileThatDoesNotLoadHasNoFormat)

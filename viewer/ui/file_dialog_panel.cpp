@@ -17,9 +17,10 @@ namespace quillane {
 namespace {
 
 constexpr QSize kWellSize(264, 198);   // logical pixels
-constexpr QSize kDialogSize(940, 620); // logical pixels, where the screen has them
+constexpr QSize kDialogSize(960, 620); // logical pixels, where the screen has them
 constexpr int kKindColumn = 2;         // of the list of files
-constexpr int kWellSquare = 8;         // of the pattern
+constexpr int kDateColumn = 3;
+constexpr int kWellSquare = 8; // of the pattern
 
 /// The image over squares, where it is clear.
 QImage OverSquares(const QImage& image)
@@ -92,6 +93,21 @@ FileDialogWithPanel::FileDialogWithPanel(QWidget* owner, const QString& title,
     Arrange();
 }
 
+// The toolkit remembers the list's columns for every program's dialogs: they get theirs back.
+FileDialogWithPanel::~FileDialogWithPanel()
+{
+    if (const auto* const list = findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        list->header()->restoreState(mHeaderBefore);
+    }
+}
+
+void FileDialogWithPanel::HideDates()
+{
+    if (const auto* const list = findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        list->header()->hideSection(kDateColumn);
+    }
+}
+
 // The panel stands beside the list of files, and the buttons below both.
 void FileDialogWithPanel::Arrange()
 {
@@ -119,6 +135,7 @@ void FileDialogWithPanel::Arrange()
     grid->setColumnStretch(1, 1);
     if (auto* const list = findChild<QTreeView*>(QStringLiteral("treeView"))) {
         QHeaderView& header = *list->header();
+        mHeaderBefore = header.saveState();
         header.hideSection(kKindColumn); // the names tell
         header.setSectionResizeMode(QHeaderView::ResizeToContents);
         header.setSectionResizeMode(0, QHeaderView::Stretch);

@@ -25,6 +25,7 @@ class FileDialogWithPanel : public QFileDialog {
     Q_DECLARE_TR_FUNCTIONS(quillane::FileDialogWithPanel)
 public:
     FileDialogWithPanel(QWidget* owner, const QString& title, const QString& folder);
+    ~FileDialogWithPanel() override;
     /// The path that the name in the dialog stands for; empty without a name.
     QString Target() const;
 
@@ -35,6 +36,8 @@ protected:
     QLabel& Words() { return *mWords; }
     /// Words below the names; empty text takes them away.
     void Hint(const QString& words);
+    /// Leaves more room for the names in the list.
+    void HideDates();
     /// Goes into the folder that the name stands for; false when it is none.
     bool EnterFolder(const QString& path);
     /// Has Tab go through the panel's controls behind those of the dialog, in this order.
@@ -43,6 +46,7 @@ protected:
 private:
     void Arrange();
 
+    QByteArray mHeaderBefore; ///< the list's columns as the toolkit had them
     QLineEdit* mName;
     QVBoxLayout* mPanel;
     PreviewWell* mWell;

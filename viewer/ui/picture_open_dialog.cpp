@@ -123,7 +123,7 @@ void PictureOpenDialog::accept()
         return;
     }
     mChosen = target;
-    QDialog::accept();
+    done(Accepted);
 }
 
 } // namespace quillane

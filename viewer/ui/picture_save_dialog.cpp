@@ -71,6 +71,7 @@ PictureSaveDialog::PictureSaveDialog(QWidget* owner, const SaveDialogStart& star
         const bool written = FindSaveVariant(start.format) != nullptr;
         selectFile(written ? start.fileName : mChoices.Renamed(start.fileName));
     }
+    HideDates();
     Build(start.quality);
     ShowChoices();
     Connect();
@@ -361,7 +362,7 @@ void PictureSaveDialog::accept()
     mChosen.stampBits = mStampBits->currentData().toInt();
     mChosen.stampSize = float(mStampSize->value());
     mChosen.multiPage = adds ? 1 : 0;
-    QDialog::accept();
+    done(Accepted);
 }
 
 } // namespace quillane
