@@ -1,5 +1,6 @@
 #include "viewer/effect_preview.h"
 #include "core/failure.h"
+#include "imaging/processing/cut_out.h"
 #include "imaging/processing/geometry.h"
 #include "imaging/resize.h"
 #include <algorithm>
@@ -20,6 +21,45 @@ constexpr qint64 kPalettePixels = 1'000'000;
 /// many times its memory.
 constexpr qint64 kStripPixels = 4'000'000;
 constexpr int kOutlineDash = 4; // pixels
+
+/// A look around that far is drafted at half the size.
+constexpr qint32 kWideMargin = 8;
+
+bool PreviewIsDeep(const Bitmap& picture)
+{
+    const QImage::Format format = picture.Pixels().format();
+    return format == QImage::Format_Grayscale16 || format == QImage::Format_RGBX64
+        || format == QImage::Format_RGBA64;
+}
+
+/// A deep picture with 8 bits a channel, as a screen shows it; any other as it is.
+Bitmap PreviewShallow(const Bitmap& picture)
+{
+    if (!PreviewIsDeep(picture)) {
+        return picture;
+    }
+    const QImage& pixels = picture.Pixels();
+    const bool grey = pixels.format() == QImage::Format_Grayscale16;
+    const bool alpha = pixels.format() == QImage::Format_RGBA64;
+    Bitmap shallow(pixels.convertToFormat(grey        ? QImage::Format_Grayscale8
+                                              : alpha ? QImage::Format_ARGB32
+                                                      : QImage::Format_RGB32),
+                   picture.Model(), picture.FileDepth());
+    shallow.SetIcc(picture.Icc());
+    return shallow;
+}
+
+/// What the wish makes of a piece, made at half its size.
+Bitmap HalfSizedDraft(const Bitmap& piece, const Region& region, const EffectWish& wish)
+{
+    const QSize all = piece.Pixels().size();
+    const QSize half((all.width() + 1) / 2, (all.height() + 1) / 2);
+    const Bitmap small = ReducedPicture(piece, half);
+    const Region inside = ReducedRegion(region, all, half);
+    const Bitmap result = Resized(wish.work({small, region.IsEmpty() ? nullptr : &inside, 2}), all,
+                                  ResizeWay::Resample);
+    return region.IsEmpty() ? result : processing::PastedInto(piece, region, result, {});
+}
 
 qint64 PreviewPixels(QSize size)
 {
@@ -67,12 +107,12 @@ Bitmap ReducedInStrips(const Bitmap& picture, int factor)
     return result;
 }
 
-int ShiftedDown(int place, int origin, int grid)
+int PreviewGridDown(int place, int origin, int grid)
 {
     return origin + int(std::floor(double(place - origin) / grid)) * grid;
 }
 
-int ShiftedUp(int place, int origin, int grid)
+int PreviewGridUp(int place, int origin, int grid)
 {
     return origin + int(std::ceil(double(place - origin) / grid)) * grid;
 }
@@ -105,10 +145,10 @@ QRect PreviewWorked(const QRect& part, QSize picture, QPoint gridOrigin, const E
 {
     const int grid = std::max(1, wish.grid);
     const QRect wide = part.adjusted(-wish.margin, -wish.margin, wish.margin, wish.margin);
-    const QPoint from(ShiftedDown(wide.left(), gridOrigin.x(), grid),
-                      ShiftedDown(wide.top(), gridOrigin.y(), grid));
-    const QPoint end(ShiftedUp(wide.right() + 1, gridOrigin.x(), grid),
-                     ShiftedUp(wide.bottom() + 1, gridOrigin.y(), grid));
+    const QPoint from(PreviewGridDown(wide.left(), gridOrigin.x(), grid),
+                      PreviewGridDown(wide.top(), gridOrigin.y(), grid));
+    const QPoint end(PreviewGridUp(wide.right() + 1, gridOrigin.x(), grid),
+                     PreviewGridUp(wide.bottom() + 1, gridOrigin.y(), grid));
     return QRect(from, QSize(end.x() - from.x(), end.y() - from.y())) & QRect(QPoint(), picture);
 }
 
@@ -218,8 +258,14 @@ const PreviewSource::Copy& PreviewSource::ReducedTo(std::optional<Copy>& kept, Q
 
 bool PreviewSource::HasDraft(const PreviewView& view, const EffectWish& wish) const
 {
-    if (!view.fit || !wish.work || mPicture.IsNull()) {
+    if (!wish.work || mPicture.IsNull()) {
         return false;
+    }
+    if (PreviewIsDeep(mPicture) && wish.reach != EffectReach::Palette) {
+        return true;
+    }
+    if (!view.fit && wish.reach != EffectReach::Turn) {
+        return wish.margin >= kWideMargin;
     }
     const QSize fitted = PreviewFit(PictureSize(), view.room);
     return WorkSize(fitted, wish.reach, true) != WorkSize(fitted, wish.reach, false);
@@ -241,8 +287,9 @@ PreviewLook PreviewSource::LookFitted(QSize room, const EffectWish& wish, bool d
     if (wish.work) {
         const QSize size = WorkSize(fitted, wish.reach, draft);
         const Copy& worked = size == fitted ? small : ReducedTo(draft ? mDraft : mFine, size);
+        const Bitmap tried = draft ? PreviewShallow(worked.picture) : worked.picture;
         const Bitmap result =
-            wish.work({worked.picture, RegionOf(worked), worked.reduction, nullptr, nullptr});
+            wish.work({tried, RegionOf(worked), worked.reduction, nullptr, nullptr});
         // What became larger is shown whole, what became smaller at the same reduction.
         const QSize shown =
             wish.reach == EffectReach::Turn ? PreviewFit(result.Pixels().size(), room) : fitted;
@@ -254,7 +301,7 @@ PreviewLook PreviewSource::LookFitted(QSize room, const EffectWish& wish, bool d
     return look;
 }
 
-PreviewLook PreviewSource::LookAtPart(const PreviewView& view, const EffectWish& wish)
+PreviewLook PreviewSource::LookAtPart(const PreviewView& view, const EffectWish& wish, bool draft)
 {
     const QSize all = PictureSize();
     const QRect part = PreviewPart(all, view.room, view.centre);
@@ -266,17 +313,36 @@ PreviewLook PreviewSource::LookAtPart(const PreviewView& view, const EffectWish&
     look.before = processing::Trim(piece, inside).ToDisplay();
     look.after = look.before;
     const Region region = mRegion.Moved(worked.size(), -worked.left(), -worked.top());
-    if (!mRegion.IsEmpty()) {
-        look.outline = RegionOutline(mRegion, part);
+    if (!mRegion.IsEmpty() && mPart != part) {
+        mPartOutline = RegionOutline(mRegion, part);
+        mPart = part;
     }
+    look.outline = mPartOutline;
     if (!wish.work || (!mRegion.IsEmpty() && region.IsEmpty())) {
         return look;
     }
-    EffectInput input{piece, region.IsEmpty() ? nullptr : &region, 1, nullptr, nullptr};
+    const Bitmap tried =
+        draft && wish.reach != EffectReach::Palette ? PreviewShallow(piece) : piece;
+    if (draft && wish.margin >= kWideMargin) {
+        look.after = processing::Trim(HalfSizedDraft(tried, region, wish), inside).ToDisplay();
+        return look;
+    }
+    EffectInput input{tried, region.IsEmpty() ? nullptr : &region, 1, nullptr, nullptr};
     if (wish.reach == EffectReach::Whole || wish.reach == EffectReach::Palette) {
         const Copy& small = ReducedTo(mFitted, PreviewFit(all, view.room));
         input.whole = &small.picture;
         input.wholeRegion = RegionOf(small);
+    }
+    if (wish.grid > 1 && !region.IsEmpty() && !region.IsRectangle()) {
+        // Squares are counted from the bounds of the whole shape, not of what is left of it here.
+        const QRect bounds = mRegion.Bounds().translated(-worked.topLeft());
+        const Region box = Region::Rectangle(worked.size(), bounds.left(), bounds.top(),
+                                             bounds.width(), bounds.height());
+        input.region = &box;
+        const Bitmap squares = wish.work(input);
+        look.after = processing::Trim(processing::PastedInto(tried, region, squares, {}), inside)
+                         .ToDisplay();
+        return look;
     }
     look.after = processing::Trim(wish.work(input), inside).ToDisplay();
     return look;
@@ -289,7 +355,7 @@ PreviewLook PreviewSource::Look(const PreviewView& view, const EffectWish& wish,
     }
     const auto look = [&](const EffectWish& tried) {
         return view.fit || tried.reach == EffectReach::Turn ? LookFitted(view.room, tried, draft)
-                                                            : LookAtPart(view, tried);
+                                                            : LookAtPart(view, tried, draft);
     };
     try {
         return look(wish);

@@ -94,7 +94,7 @@ private:
     };
     const Copy& ReducedTo(std::optional<Copy>& kept, QSize size);
     PreviewLook LookFitted(QSize room, const EffectWish& wish, bool draft);
-    PreviewLook LookAtPart(const PreviewView& view, const EffectWish& wish);
+    PreviewLook LookAtPart(const PreviewView& view, const EffectWish& wish, bool draft);
     QSize WorkSize(QSize fitted, EffectReach reach, bool draft) const;
     const Region* RegionOf(const Copy& copy) const
     {
@@ -103,6 +103,8 @@ private:
 
     Bitmap mPicture;
     Region mRegion;
+    QRect mPart;                 ///< that was looked at last in full size
+    QImage mPartOutline;         ///< of the region on it
     std::optional<Copy> mFitted; ///< of the room's size
     std::optional<Copy> mDraft;  ///< of more pixels, for a draft
     std::optional<Copy> mFine;   ///< of as many as are worked on

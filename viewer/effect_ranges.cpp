@@ -17,14 +17,14 @@ namespace quillane {
 
 namespace {
 
-constexpr quint32 kDialogBits = 0x3FFFFFFF; // of a flag word, without its high bit
-constexpr quint32 kPreviewSeed = 1;         // the same noise at every look
-constexpr qint32 kLeast = -processing::kMostValue;
-constexpr qint32 kMost = processing::kMostValue;
-constexpr qint32 kMostTile = 500;    // pixels
-constexpr qint32 kDotsRepeat = 9000; // a screen of dots turned by a quarter is the same
-constexpr double kDotsVanish = 1.9;  // reduction from which on single dots are not seen
-constexpr qint32 kGreyBits = 8;
+constexpr quint32 kEffectFlagBits = 0x3FFFFFFF; // of a flag word, without its high bit
+constexpr quint32 kPreviewSeed = 1;             // the same noise at every look
+constexpr qint32 kEffectLeast = -processing::kMostValue;
+constexpr qint32 kEffectMost = processing::kMostValue;
+constexpr qint32 kEffectMostTile = 500; // pixels
+constexpr qint32 kDotsRepeat = 9000;    // a screen of dots turned by a quarter is the same
+constexpr double kDotsVanish = 1.9;     // reduction from which on single dots are not seen
+constexpr qint32 kEffectGreyBits = 8;
 constexpr qint32 kNearMargin = 2; // filters of three by three, and one to spare
 
 Bitmap ApplySharpen(const EffectInput& input, qint32 value)
@@ -67,7 +67,7 @@ Bitmap ApplyHalftone(const EffectInput& input, qint32 value)
 {
     // On a copy that small the dots would stand too far apart; from afar they are grey.
     if (input.reduction >= kDotsVanish) {
-        return processing::Grayscale(input.picture, input.region, kGreyBits);
+        return processing::Grayscale(input.picture, input.region, kEffectGreyBits);
     }
     return processing::Halftone(input.picture, input.region, processing::HalftoneType::Dots, value);
 }
@@ -104,7 +104,7 @@ qint32 HalfMargin(qint32 size)
 
 constexpr EffectRange ThousandRange(const char* label)
 {
-    return {"Value", label, kLeast, kMost, 10, 100, 1, ""};
+    return {"Value", label, kEffectLeast, kEffectMost, 10, 100, 1, ""};
 }
 
 constexpr EffectRange PixelRange(qint32 most)
@@ -122,7 +122,7 @@ constexpr ValueEffect kValueEffects[] = {
     {  32, "Hue",       {"Value", "&Angle:", -18000, 18000, 100, 1500, 100, "°"},   EffectReach::Own,  ApplyHue},
     {  64, "Halftone",  {"Value", "&Angle:", 0, kDotsRepeat, 100, 1500, 100, "°"},  EffectReach::Near, ApplyHalftone},
     { 128, "Posterize", {"Value", "&Levels:", 2, 256, 1, 8, 1, ""},                 EffectReach::Own,  ApplyPosterize},
-    { 256, "Mosaic",    PixelRange(kMostTile),                   EffectReach::Own, ApplyMosaic,  nullptr, true},
+    { 256, "Mosaic",    PixelRange(kEffectMostTile),                   EffectReach::Own, ApplyMosaic,  nullptr, true},
     { 512, "Average",   PixelRange(processing::kMostNeighbours), EffectReach::Own, ApplyAverage, HalfMargin},
     {1024, "Median",    PixelRange(processing::kMostNeighbours), EffectReach::Own, ApplyMedian,  HalfMargin},
 };
@@ -199,7 +199,7 @@ const ValueEffect* FindValueEffect(quint32 flags)
 {
     const auto* const found =
         std::find_if(std::begin(kValueEffects), std::end(kValueEffects),
-                     [&](const ValueEffect& row) { return row.flag == (flags & kDialogBits); });
+                     [&](const ValueEffect& row) { return row.flag == (flags & kEffectFlagBits); });
     return found == std::end(kValueEffects) ? nullptr : found;
 }
 
@@ -222,7 +222,7 @@ const FilterGroup* FindFilterGroup(quint32 flags)
 {
     const auto* const found =
         std::find_if(std::begin(kFilterGroups), std::end(kFilterGroups),
-                     [&](const FilterGroup& row) { return row.flag == (flags & kDialogBits); });
+                     [&](const FilterGroup& row) { return row.flag == (flags & kEffectFlagBits); });
     return found == std::end(kFilterGroups) ? nullptr : found;
 }
 

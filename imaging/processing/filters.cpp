@@ -17,9 +17,9 @@ constexpr SpatialKernel kSpatialKernels[] = {
     { 6, FilterFamily::Gradient, "West",       { 1,  1, -1,   1, -2, -1,   1,  1, -1}, false},
     { 7, FilterFamily::Gradient, "North West", { 1,  1,  1,   1, -2, -1,   1, -1, -1}, false},
     // The pixel against its neighbours.
-    { 8, FilterFamily::Laplacian, "All Neighbours",     {-1, -1, -1,  -1,  8, -1,  -1, -1, -1}, false},
-    { 9, FilterFamily::Laplacian, "Straight Neighbours",{ 0, -1,  0,  -1,  4, -1,   0, -1,  0}, false},
-    {10, FilterFamily::Laplacian, "Diagonal Neighbours",{-1,  0, -1,   0,  4,  0,  -1,  0, -1}, false},
+    { 8, FilterFamily::Laplacian, "All Neighbors",      {-1, -1, -1,  -1,  8, -1,  -1, -1, -1}, false},
+    { 9, FilterFamily::Laplacian, "Straight Neighbors", { 0, -1,  0,  -1,  4, -1,   0, -1,  0}, false},
+    {10, FilterFamily::Laplacian, "Diagonal Neighbors", {-1,  0, -1,   0,  4,  0,  -1,  0, -1}, false},
     {11, FilterFamily::Laplacian, "Smoothed",           { 1, -2,  1,  -2,  4, -2,   1, -2,  1}, false},
     {12, FilterFamily::Sobel,     "Horizontal", {-1, -2, -1,   0,  0,  0,   1,  2,  1}, false},
     {13, FilterFamily::Sobel,     "Vertical",   {-1,  0,  1,  -2,  0,  2,  -1,  0,  1}, false},

@@ -130,13 +130,17 @@ TEST_F(HistogramWindowTest, TheEmptyFilterDrawsTheChannelAgain)
     EXPECT_EQ(mChart->TheLine(255).Y2, 4.0f) << "the channel that is on";
 }
 
-TEST_F(HistogramWindowTest, APictureIsKeptAsItWasWhenTheWindowOpened)
+TEST_F(HistogramWindowTest, AChangeOfChannelCountsThePictureOfNow)
 {
     Open(Plain({50, 40}, Qt::white));
-    mLead.SetBitmap({});
     Shows("2000");
+    mLead.SetBitmap(Bitmap(Plain({30, 10}, Qt::black), ColourModel::Rgb, 24));
     QTest::mouseClick(In<QRadioButton>(*mWindow, "Channel_1"), Qt::LeftButton);
-    Shows("2000");
+    Shows("300");
+    EXPECT_EQ(mChart->TheLine(0).Y2, 4.0f);
+    mLead.SetBitmap({});
+    QTest::mouseClick(In<QRadioButton>(*mWindow, "Channel_2"), Qt::LeftButton);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !mChart->Words().isEmpty(); }, 30'000));
 }
 
 TEST_F(HistogramWindowTest, NoPictureIsToldInWordsAndDoesNoHarm)

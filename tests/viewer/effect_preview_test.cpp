@@ -200,6 +200,49 @@ TEST(PreviewSource, ADraftIsCloseToTheLook)
     EXPECT_FALSE(PreviewSource(SmoothPicture({300, 200}), {}).HasDraft(view, Value(1, 900)));
 }
 
+TEST(PreviewSource, ADraftOfAWideLookAroundIsCloseAndKeepsToTheRegion)
+{
+    const Bitmap picture = SmoothPicture({900, 700});
+    const Region region = Region::Ellipse({900, 700}, 350, 250, 160, 150);
+    const PreviewView view{false, kRoom, {450, 350}};
+    for (const EffectWish& wish : {Value(512, 61), Value(1024, 41), ContourWish(0, 40, 31, 3)}) {
+        PreviewSource source(picture, region);
+        EXPECT_TRUE(source.HasDraft(view, wish));
+        const PreviewLook draft = source.Look(view, wish, true);
+        const PreviewLook look = source.Look(view, wish);
+        EXPECT_LE(MeanDifference(draft.after, look.after), 2);
+        const QRect part = PreviewPart({900, 700}, kRoom, view.centre);
+        for (int y = 0; y < part.height(); ++y) {
+            for (int x = 0; x < part.width(); ++x) {
+                if (!region.Contains(part.left() + x, part.top() + y)) {
+                    ASSERT_EQ(draft.after.pixel(x, y), draft.before.pixel(x, y)) << x << ' ' << y;
+                }
+            }
+        }
+        EXPECT_FALSE(PreviewSource(picture, {}).HasDraft(view, Value(512, 9))) << "quick";
+    }
+}
+
+TEST(PreviewSource, ADeepPictureIsDraftedAsTheScreenShowsIt)
+{
+    const Bitmap colours = SmoothPicture({500, 400});
+    for (const QImage::Format format :
+         {QImage::Format_Grayscale16, QImage::Format_RGBX64, QImage::Format_RGBA64}) {
+        const bool grey = format == QImage::Format_Grayscale16;
+        const Bitmap deep(colours.Pixels().convertToFormat(format),
+                          grey ? ColourModel::Grey : ColourModel::Rgb, grey ? 16 : 48);
+        PreviewSource source(deep, {});
+        for (const bool fit : {true, false}) {
+            const PreviewView view{fit, kRoom, {250, 200}};
+            for (const EffectWish& wish : {Value(2, 150), Value(1024, 9), Value(1, 700)}) {
+                EXPECT_TRUE(source.HasDraft(view, wish));
+                const QImage draft = source.Look(view, wish, true).after;
+                EXPECT_LE(MeanDifference(draft, source.Look(view, wish).after), 3) << format;
+            }
+        }
+    }
+}
+
 TEST(PreviewSource, APartInFullSizeIsExactlyThatPartOfTheResult)
 {
     const Bitmap picture = SmoothPicture({700, 500});
@@ -230,6 +273,24 @@ TEST(PreviewSource, APartInFullSizeIsExactlyThatPartOfTheResult)
             EXPECT_EQ(source.Look({false, kRoom, centre}, filter).after,
                       filter.work({picture, inside}).ToDisplay().copy(part))
                 << group.title;
+        }
+    }
+}
+
+TEST(PreviewSource, SquaresStandWhereTheyWillInEveryPartOfAShape)
+{
+    const QSize all(900, 700);
+    const Bitmap picture = SmoothPicture(all);
+    const Region region = Region::Ellipse(all, 61, 43, 777, 611);
+    PreviewSource source(picture, region);
+    for (const qint32 size : {7, 37, 200, 500}) {
+        const EffectWish wish = Value(256, size);
+        const QImage result = wish.work({picture, &region}).ToDisplay();
+        for (const QPoint& centre : {QPoint(150, 120), QPoint(800, 600), QPoint(450, 60),
+                                     QPoint(90, 350), QPoint(450, 350)}) {
+            const QRect part = PreviewPart(all, kRoom, centre);
+            EXPECT_EQ(source.Look({false, kRoom, centre}, wish).after, result.copy(part))
+                << size << " at " << centre.x() << ' ' << centre.y();
         }
     }
 }

@@ -24,11 +24,11 @@ namespace quillane {
 
 namespace {
 
-struct ChannelRow {
+struct HistogramChannelRow {
     const char* caption;
     QRgb light, dark; ///< colour of the lines on such a background; 0: that of text
 };
-constexpr ChannelRow kChannelRows[] = {
+constexpr HistogramChannelRow kHistogramChannels[] = {
     {QT_TRANSLATE_NOOP("quillane::Histogram", "&Master"), 0, 0},
     {QT_TRANSLATE_NOOP("quillane::Histogram", "&Red"), 0xffc62828u, 0xffff6b6bu},
     {QT_TRANSLATE_NOOP("quillane::Histogram", "&Green"), 0xff2e7d32u, 0xff66d06bu},
@@ -36,7 +36,7 @@ constexpr ChannelRow kChannelRows[] = {
 };
 /// Entries of FilterBox, split at ";": one, without words.
 constexpr QLatin1String kHistogramFilters("");
-constexpr int kScaleHeight = 10; // logical pixels of the scale of greys under the lines
+constexpr int kHistogramScaleHeight = 10; // logical pixels of the scale of greys under the lines
 
 } // namespace
 
@@ -66,7 +66,7 @@ void HistogramChart::ShowWords(const QString& words)
 
 QRectF HistogramChart::Plot() const
 {
-    const QRectF inside = QRectF(rect()).adjusted(1, 1, -1, -1 - kScaleHeight);
+    const QRectF inside = QRectF(rect()).adjusted(1, 1, -1, -1 - kHistogramScaleHeight);
     return inside;
 }
 
@@ -98,9 +98,9 @@ void HistogramChart::paintEvent(QPaintEvent*)
     QLinearGradient greys(x(-0.5), 0, x(255.5), 0);
     greys.setColorAt(0, Qt::black);
     greys.setColorAt(1, mColour.isValid() ? mColour : QColor(Qt::white));
-    painter.fillRect(
-        QRectF(x(-0.5), y(double(kHistogramHeight) - 2) + 2, x(255.5) - x(-0.5), kScaleHeight),
-        greys);
+    painter.fillRect(QRectF(x(-0.5), y(double(kHistogramHeight) - 2) + 2, x(255.5) - x(-0.5),
+                            kHistogramScaleHeight),
+                     greys);
     painter.setPen(palette().color(QPalette::Mid));
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
@@ -127,8 +127,7 @@ bool HistogramChart::event(QEvent* event)
 
 Histogram::Histogram(const EngineInstance& LEAD1, QWidget* parent)
     : QDialog(parent),
-      mPicture(LEAD1.Bitmap()),
-      mRegion(LEAD1.RegionShape()),
+      mLead(LEAD1),
       mChart(new HistogramChart),
       mChannels(new QButtonGroup(this)),
       mFilter(new QComboBox),
@@ -142,8 +141,8 @@ Histogram::Histogram(const EngineInstance& LEAD1, QWidget* parent)
 
     mChannels->setObjectName(QStringLiteral("Channel"));
     auto* options = new QHBoxLayout;
-    for (int i = 0; i < int(std::size(kChannelRows)); ++i) {
-        auto* option = new QRadioButton(tr(kChannelRows[i].caption));
+    for (int i = 0; i < int(std::size(kHistogramChannels)); ++i) {
+        auto* option = new QRadioButton(tr(kHistogramChannels[i].caption));
         option->setObjectName(QStringLiteral("Channel_%1").arg(i));
         mChannels->addButton(option, i);
         options->addWidget(option);
@@ -161,7 +160,7 @@ Histogram::Histogram(const EngineInstance& LEAD1, QWidget* parent)
     mHalf->setObjectName(QStringLiteral("YMaxDiv2"));
     mHalf->setAccessibleName(tr("Half of that"));
     // Room for the largest number there can be, so that nothing moves with the channel.
-    const qint64 all = qint64(mPicture.Width()) * mPicture.Height();
+    const qint64 all = qint64(mLead.BitmapWidth()) * mLead.BitmapHeight();
     mMost->setMinimumWidth(mMost->fontMetrics().horizontalAdvance(TextOf(double(all) + 0.5)));
     mMost->setAlignment(Qt::AlignRight);
     auto* scale = new QVBoxLayout;
@@ -170,7 +169,7 @@ Histogram::Histogram(const EngineInstance& LEAD1, QWidget* parent)
     scale->addWidget(mHalf, 0, Qt::AlignRight | Qt::AlignVCenter);
     scale->addStretch(1);
     auto* foot = new QLabel(QStringLiteral("0"));
-    foot->setContentsMargins(0, 0, 0, kScaleHeight);
+    foot->setContentsMargins(0, 0, 0, kHistogramScaleHeight);
     scale->addWidget(foot, 0, Qt::AlignRight | Qt::AlignBottom);
     auto* drawing = new QHBoxLayout;
     drawing->addLayout(scale);
@@ -214,7 +213,7 @@ void Histogram::DrawChannel()
     const int channel = mChannels->checkedId();
     const auto count = std::make_shared<Count>();
     mJobs.Run(
-        [count, picture = mPicture, region = mRegion, channel] {
+        [count, picture = mLead.Bitmap(), region = mLead.RegionShape(), channel] {
             try {
                 count->table = processing::Histogram(picture, region.IsEmpty() ? nullptr : &region,
                                                      processing::HistogramChannel(channel));
@@ -238,7 +237,7 @@ void Histogram::ShowTable(const processing::HistogramTable& table, int channel)
 {
     try {
         const HistogramDrawing drawing = LinesOf(table);
-        const ChannelRow& row = kChannelRows[channel];
+        const HistogramChannelRow& row = kHistogramChannels[channel];
         const bool dark = palette().color(QPalette::Base).lightness() < 128;
         const QRgb colour = dark ? row.dark : row.light;
         mChart->Draw(drawing, table, colour == 0 ? QColor() : QColor::fromRgb(colour));

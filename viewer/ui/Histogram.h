@@ -45,6 +45,7 @@ private:
 class Histogram : public QDialog {
     Q_OBJECT
 public:
+    /// LEAD1 lives longer than the window; each choice of a channel counts what it holds then.
     explicit Histogram(const EngineInstance& LEAD1, QWidget* parent = nullptr);
 
 private:
@@ -53,9 +54,7 @@ private:
     void ShowFailure(const Failure& failure);
     void PlaceInMiddle();
 
-    // The picture as it is when the window opens; the owner of LEAD1 may change it meanwhile.
-    Bitmap mPicture;
-    Region mRegion;
+    const EngineInstance& mLead; ///< LEAD1 of the window that opened this one
     HistogramChart* mChart;
     QButtonGroup* mChannels;
     QComboBox* mFilter;

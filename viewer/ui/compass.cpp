@@ -13,15 +13,15 @@ namespace quillane {
 
 namespace {
 
-constexpr int kDirections = 8;
-constexpr double kDirectionTurn = 45; // degrees
-constexpr int kCompassSide = 30;      // logical pixels of a button
+constexpr int kCompassDirections = 8;
+constexpr double kCompassTurn = 45; // degrees
+constexpr int kCompassSide = 30;    // logical pixels of a button
 
 struct CompassPlace {
     int row, column;
     const char* name;
 };
-constexpr CompassPlace kCompassPlaces[kDirections] = {
+constexpr CompassPlace kCompassPlaces[kCompassDirections] = {
     {0, 1, QT_TRANSLATE_NOOP("quillane::Compass", "North")},
     {0, 2, QT_TRANSLATE_NOOP("quillane::Compass", "North East")},
     {1, 2, QT_TRANSLATE_NOOP("quillane::Compass", "East")},
@@ -48,10 +48,14 @@ protected:
         QStylePainter painter(this);
         QStyleOptionToolButton option;
         initStyleOption(&option);
+        if (isChecked()) {
+            // Styles show it by a shade that is hard to see in the dark.
+            option.palette.setColor(QPalette::Button, palette().color(QPalette::Highlight));
+        }
         painter.drawComplexControl(QStyle::CC_ToolButton, option);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.translate(width() / 2.0, height() / 2.0);
-        painter.rotate(mDirection * kDirectionTurn);
+        painter.rotate(mDirection * kCompassTurn);
         QPainterPath arrow;
         arrow.moveTo(0, -9);
         arrow.lineTo(5, -1);
@@ -61,7 +65,8 @@ protected:
         arrow.lineTo(-1.5, -1);
         arrow.lineTo(-5, -1);
         arrow.closeSubpath();
-        painter.fillPath(arrow, palette().color(QPalette::ButtonText));
+        painter.fillPath(
+            arrow, palette().color(isChecked() ? QPalette::HighlightedText : QPalette::ButtonText));
     }
 
 private:
@@ -78,7 +83,7 @@ Compass::Compass(qint32 direction, QWidget* parent)
     grid->setContentsMargins({});
     grid->setSpacing(2);
     grid->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    for (int i = 0; i < kDirections; ++i) {
+    for (int i = 0; i < kCompassDirections; ++i) {
         const CompassPlace& place = kCompassPlaces[i];
         auto* button = new CompassButton(i);
         button->setObjectName(QStringLiteral("Direction_%1").arg(i));
@@ -102,7 +107,8 @@ qint32 Compass::Direction() const
 
 void Compass::SetDirection(qint32 direction)
 {
-    mButtons->button(direction < 0 || direction >= kDirections ? 0 : direction)->setChecked(true);
+    mButtons->button(direction < 0 || direction >= kCompassDirections ? 0 : direction)
+        ->setChecked(true);
 }
 
 } // namespace quillane
