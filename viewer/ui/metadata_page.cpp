@@ -27,6 +27,7 @@ void FillRows(QTreeWidget* list, const QVector<CatalogueRow>& rows)
     list->clear();
     for (const CatalogueRow& row : rows) {
         auto* item = new QTreeWidgetItem(list, {row.label, row.value});
+        item->setToolTip(0, row.label);
         item->setToolTip(1, row.value);
     }
 }
