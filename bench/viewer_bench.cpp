@@ -112,12 +112,15 @@ bool Opens(Program& program, Platform platform, const std::vector<QString>& path
     };
     open(paths.back()); // the window itself, the libraries
     whole = look = 0;
-    ping.Reset();
+    double longest = 0;
     for (int i = 0; i < kOpened; ++i) {
         const QString& path = paths[size_t(i)];
         bare +=
             bench::Measure([&] { bench::DecodeBarely(ReadWholeFile(path, qint64(1) << 30)); }).wall;
+        qApp->processEvents(); // what the reference kept waiting counts for nobody
+        ping.Reset();
         open(path);
+        longest = std::max(longest, ping.Worst());
     }
     bool good =
         bench::PrintFigure("from double click to full picture", whole / kOpened, bare / kOpened,
@@ -125,8 +128,8 @@ bool Opens(Program& program, Platform platform, const std::vector<QString>& path
     good &= bench::PrintFigure("to the first look, slowest", look, kFirstLook, "ms",
                                look / kFirstLook, Wanted::AtMost, 1);
     return good
-        & bench::PrintFigure("longest wait while opening", ping.Worst(), kAnswer, "ms",
-                             ping.Worst() / kAnswer, Wanted::AtMost, 1);
+        & bench::PrintFigure("longest wait while opening", longest, kAnswer, "ms",
+                             longest / kAnswer, Wanted::AtMost, 1);
 }
 
 bool Commands(const QString& path)

@@ -1,7 +1,11 @@
 #include "widgets/picture_rows.h"
 #include "widgets/picture_source.h"
+#include <QThread>
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <new>
+#include <thread>
 #include <vector>
 
 namespace quillane {
@@ -137,6 +141,29 @@ bool MeanToBytes(PictureRows& rows, const MeanSide& across, const MeanSide& down
     });
 }
 
+/// Works on the rows from 0 to just before `rows` in two bands, one of them on another thread,
+/// where that pays. False when one of them says so.
+bool InBands(int rows, const std::function<bool(int from, int to)>& work)
+{
+    constexpr int kPattern = 4;      // of MeanRounding; a band begins with it
+    constexpr int kWorthABand = 200; // rows
+    if (rows < 2 * kWorthABand || QThread::idealThreadCount() < 2) {
+        return work(0, rows);
+    }
+    const int middle = rows / 2 / kPattern * kPattern;
+    bool upper = false;
+    std::thread other([&] {
+        try {
+            upper = work(0, middle);
+        } catch (const std::bad_alloc&) {
+            upper = false; // as if there were no memory for the result
+        }
+    });
+    const bool lower = work(middle, rows);
+    other.join();
+    return upper && lower;
+}
+
 QImage::Format MeanFormat(const PictureRows& rows)
 {
     return rows.HasAlpha() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
@@ -172,21 +199,30 @@ PictureSource ReducedBy(int factor, const PictureSource& source, const StopFlag*
     const QSize size(int(std::ceil(reduced.extent.width())),
                      int(std::ceil(reduced.extent.height())));
     const MeanSide across(0, size.width(), factor, source.extent.width());
-    const MeanSide down(0, size.height(), factor, source.extent.height());
-    PictureRows rows(source, 0, across.End());
-    const bool one = rows.Channels() == 1;
+    const PictureRows kind(source, 0, across.End());
+    const bool one = kind.Channels() == 1;
     const bool grey = source.bitmap.Pixels().format() == QImage::Format_Grayscale8 && one;
     QImage made(size,
-                !one       ? MeanFormat(rows)
+                !one       ? MeanFormat(kind)
                     : grey ? QImage::Format_Grayscale8
                            : QImage::Format_Indexed8);
-    if (made.isNull()
-        || !(one ? MeanToBytes(rows, across, down, stop, made)
-                 : MeanToDisplay(rows, across, down, stop, made))) {
+    if (made.isNull()) {
+        return {};
+    }
+    uchar* const bits = made.bits();
+    const bool whole = InBands(size.height(), [&](int from, int to) {
+        const MeanSide down(from, to, factor, source.extent.height());
+        PictureRows rows(source, 0, across.End());
+        QImage band(bits + from * made.bytesPerLine(), size.width(), to - from, made.bytesPerLine(),
+                    made.format());
+        return one ? MeanToBytes(rows, across, down, stop, band)
+                   : MeanToDisplay(rows, across, down, stop, band);
+    });
+    if (!whole) {
         return {};
     }
     if (one && !grey) {
-        made.setColorTable(QList<QRgb>(rows.Colours().begin(), rows.Colours().end()));
+        made.setColorTable(QList<QRgb>(kind.Colours().begin(), kind.Colours().end()));
         reduced.mixes = true;
     }
     reduced.bitmap = Bitmap(std::move(made),

@@ -66,7 +66,7 @@ TEST(ShownSmall, TransparencyOfALargePictureStays)
     const QImage shown = ShrunkForDisplay(Bitmap(pixels, ColourModel::Rgb, 64), {45, 40});
     ASSERT_TRUE(shown.hasAlphaChannel());
     EXPECT_NEAR(qAlpha(shown.pixel(20, 20)), 128, 2);
-    EXPECT_NEAR(qRed(shown.pixel(20, 20)), 255, 2);
+    EXPECT_NEAR(shown.pixelColor(20, 20).red(), 255, 2);
 }
 
 TEST(ShownSmall, AStripOfOneRowIsShown)
