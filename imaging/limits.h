@@ -5,10 +5,9 @@
 // allocation.
 namespace quillane::limits {
 
-inline constexpr qint32 kMaxSide = 65'500; ///< pixels, width or height
-inline constexpr qint64 kMaxPixels =
-    500'000'000; ///< pixels of one picture; large sheets in black and white
-inline constexpr qint64 kMaxPictureBytes = 384ll << 20; ///< decoded bytes of one picture
+inline constexpr qint32 kMaxSide = 65'500;              ///< pixels, width or height
+inline constexpr qint64 kMaxPixels = 500'000'000;       ///< of one picture; large sheets in 1 bit
+inline constexpr qint64 kMaxPictureBytes = 640ll << 20; ///< decoded; 160 megapixels in colour
 inline constexpr qint64 kMaxFileBytes = 2048ll << 20;   ///< file that is read into memory
 inline constexpr qint64 kMaxHeaderBytes = 8ll << 20;    ///< read while looking for facts
 inline constexpr qint64 kMaxTextBytes = 1ll << 20;      ///< one text field

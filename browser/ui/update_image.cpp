@@ -1,6 +1,7 @@
 // UpdateImageInImageList: one cell renewed after its file has changed on the disk.
 #include "browser/thumbnail_size.h"
 #include "browser/ui/frmBrowserMain.h"
+#include "imaging/thumbs/shown_small.h"
 
 #include <QThreadPool>
 #include <atomic>
@@ -16,17 +17,30 @@ constexpr int kLoadPatience = 20; // milliseconds between two looks whether the 
 struct PendingLoad {
     std::atomic<bool> done = false;
     std::optional<LoadedImage> loaded;
+    QImage small; ///< for the cell, of a picture that is larger than it
     QString failure;
 };
 
-std::shared_ptr<PendingLoad> StartLoad(const QString& path, QSize atLeast)
+QSize CellPicture(const Bitmap& bitmap, QSize box)
+{
+    const QSizeF size =
+        ThumbnailSize(bitmap.Width(), bitmap.Height(), qint16(box.width()), qint16(box.height()));
+    return size.toSize().expandedTo({1, 1});
+}
+
+std::shared_ptr<PendingLoad> StartLoad(const QString& path, QSize box)
 {
     auto pending = std::make_shared<PendingLoad>();
-    QThreadPool::globalInstance()->start([pending, path, atLeast] {
+    QThreadPool::globalInstance()->start([pending, path, box] {
         try {
             DecodeRequest request;
-            request.atLeast = atLeast;
-            pending->loaded = LoadFile(path, request);
+            request.atLeast = box;
+            LoadedImage loaded = LoadFile(path, request);
+            const QSize size = CellPicture(loaded.bitmap, box);
+            if (size.width() < loaded.bitmap.Width() && size.height() < loaded.bitmap.Height()) {
+                pending->small = ShrunkForDisplay(loaded.bitmap, size);
+            }
+            pending->loaded = std::move(loaded);
         } catch (const Failure& failure) {
             pending->failure = failure.Description();
         }
@@ -66,10 +80,12 @@ void frmBrowserMain::UpdateImageInImageList()
         }
         mLead2.Adopt(*pending->loaded);
         pixels = {mLead2.InfoWidth(), mLead2.InfoHeight()};
-        const QSizeF size = ThumbnailSize(mLead2.BitmapWidth(), mLead2.BitmapHeight(),
-                                          qint16(box.width()), qint16(box.height()));
-        mLead2.Resize(float(size.width()), float(size.height()), kResizeResample);
-        picture = mLead2.Bitmap().ToDisplay();
+        picture = pending->small;
+        if (picture.isNull()) {
+            const QSize size = CellPicture(mLead2.Bitmap(), box);
+            mLead2.Resize(float(size.width()), float(size.height()), kResizeResample);
+            picture = mLead2.Bitmap().ToDisplay();
+        }
     });
     const QSignalBlocker quiet(mViews);
     grid->RemoveAt(index);

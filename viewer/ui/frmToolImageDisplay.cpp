@@ -411,10 +411,11 @@ void frmToolImageDisplay::ShowPicture()
 void frmToolImageDisplay::ShowFacts()
 {
     const bool there = LEAD1.HasBitmap();
-    mFacts->setText(there ? tr("%1 x %2 pixels, %3 bits")
+    const qint32 bits = LEAD1.BitmapBits();
+    mFacts->setText(there ? tr("%1 x %2 pixels, %3")
                                 .arg(LEAD1.BitmapWidth())
                                 .arg(LEAD1.BitmapHeight())
-                                .arg(LEAD1.BitmapBits())
+                                .arg(bits == 1 ? tr("1 bit") : tr("%1 bits").arg(bits))
                           : QString());
     mZoomLabel->setText(there ? tr("%1 %").arg(mView->ZoomPercent(), 0, 'f', 0) : QString());
 }
