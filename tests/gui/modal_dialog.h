@@ -10,8 +10,8 @@
 
 namespace quillane {
 
-/// Runs `ask`, which shows a modal dialog of that name, and `act` in it; ends the dialog when the
-/// acting does not.
+/// Runs `ask`, which shows a modal dialog of that name (of any, where the name is empty), and `act`
+/// in it; ends the dialog when the acting does not.
 inline void InDialog(const char* name, const std::function<void()>& ask,
                      const std::function<void(QDialog&)>& act)
 {
@@ -19,7 +19,7 @@ inline void InDialog(const char* name, const std::function<void()>& ask,
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, [&] {
         auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (!dialog || came || dialog->objectName() != QLatin1String(name)) {
+        if (!dialog || came || (*name && dialog->objectName() != QLatin1String(name))) {
             return;
         }
         came = true;

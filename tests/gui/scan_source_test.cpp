@@ -1,12 +1,10 @@
 #include "gui/main_window_fixture.h"
+#include "gui/modal_dialog.h"
 
-#include <QApplication>
-#include <QDialog>
 #include <QLabel>
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QTimer>
 
 namespace quillane {
 
@@ -17,28 +15,8 @@ class ScanSourceTest : public MainWindowTest {
 protected:
     void Choose(const std::function<void(QDialog&)>& act)
     {
-        bool came = false;
-        QTimer timer;
-        QObject::connect(&timer, &QTimer::timeout, [&] {
-            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (!dialog || came) {
-                return;
-            }
-            came = true;
-            act(*dialog);
-            if (dialog->isVisible()) {
-                dialog->reject();
-            }
-        });
-        timer.start(5);
-        Click("mnuSelectTwainSource");
-        EXPECT_TRUE(came);
-    }
-    template <typename Kind> static Kind* In(QDialog& dialog, const char* name)
-    {
-        Kind* found = dialog.findChild<Kind*>(QLatin1String(name));
-        EXPECT_NE(found, nullptr) << name;
-        return found;
+        InDialog(
+            "", [this] { Click("mnuSelectTwainSource"); }, act);
     }
     static bool Searched(QDialog& dialog)
     {

@@ -1,20 +1,18 @@
 #pragma once
 #include "core/atomic_save.h"
+#include "gui/modal_dialog.h"
 #include "imaging/comments/slots.h"
 #include "imaging/worker/worker_host.h"
 #include "platform/desktop/desktop_loop.h"
 #include "platform/fake/fake_platform.h"
 #include "viewer/ui/frmToolImageDisplay.h"
 
-#include <QApplication>
 #include <QClipboard>
-#include <QDialog>
 #include <QImage>
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
-#include <QTimer>
 #include <gtest/gtest.h>
 
 namespace quillane {
@@ -69,7 +67,8 @@ protected:
         QImage image(size, QImage::Format_RGB32);
         for (int y = 0; y < size.height(); ++y) {
             for (int x = 0; x < size.width(); ++x) {
-                image.setPixel(x, y, qRgb(20 + (x * 6) % 200, 20 + (y * 7) % 200, 20 + (x * y) % 200));
+                image.setPixel(x, y,
+                               qRgb(20 + (x * 6) % 200, 20 + (y * 7) % 200, 20 + (x * y) % 200));
             }
         }
         const QString path = Path(name);
@@ -112,27 +111,11 @@ protected:
     QImage UndoPixels() const { return window->UndoCopy().Bitmap().Pixels(); }
     static QByteArray Bytes(const QString& file) { return ReadWholeFile(file, 1 << 26); }
 
-    /// Triggers an action and acts in the dialog that comes; ends a dialog that the acting does
-    /// not.
-    void InDialog(const std::function<void()>& trigger,
-                  const std::function<void(QDialog&)>& act) const
+    /// Triggers an action and acts in the dialog that comes.
+    static void InDialog(const std::function<void()>& trigger,
+                         const std::function<void(QDialog&)>& act)
     {
-        bool came = false;
-        QTimer timer;
-        QObject::connect(&timer, &QTimer::timeout, [&] {
-            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-            if (!dialog || came) {
-                return;
-            }
-            came = true;
-            act(*dialog);
-            if (dialog->isVisible()) {
-                dialog->reject();
-            }
-        });
-        timer.start(5);
-        trigger();
-        EXPECT_TRUE(came) << "no dialog came";
+        quillane::InDialog("", trigger, act);
     }
 
     QTemporaryDir root;
