@@ -61,8 +61,7 @@ MetadataPage::MetadataPage(QWidget* parent)
 
     SSTab2->setObjectName(QStringLiteral("SSTab2"));
     SSTab2->setAccessibleName(tr("Photo information"));
-    SSTab2->setUsesScrollButtons(false);
-    SSTab2->setElideMode(Qt::ElideRight);
+    SSTab2->setElideMode(Qt::ElideNone); // a narrow window scrolls its tabs
     lvImageInfo = AddList("lvImageInfo", QStringLiteral("Image Information"), kImageInfoColumns);
     BuildGeneral();
     lvCamera = AddList("lvCamera", QStringLiteral("Camera (Exif)"), kCameraColumns);
