@@ -31,9 +31,10 @@ void RunAside(UiLoop& loop, const std::function<void()>& work)
             waker, [] {}, Qt::QueuedConnection);
     }));
     thread->start();
-    while (!done) {
+    // Once at least: what was asked for before the work is handled however soon that is done.
+    do {
         loop.WaitForEvents(kAsideWait);
-    }
+    } while (!done);
     thread->wait();
     if (trouble) {
         std::rethrow_exception(trouble);

@@ -102,8 +102,9 @@ TEST_F(ViewerBusyTest, AWindowClosedInTheMiddleOfACommandGoesWhenItHasEnded)
 TEST_F(ViewerBusyTest, AWindowDestroyedInTheMiddleOfACommandHurtsNothing)
 {
     Open(Copy(QStringLiteral("AST_0101.JPG")));
+    QObject test; // what was asked for goes with it
     QMetaObject::invokeMethod(
-        qApp, [this] { window.reset(); }, Qt::QueuedConnection);
+        &test, [this] { window.reset(); }, Qt::QueuedConnection);
     Click("mnuInvert");
     EXPECT_EQ(window, nullptr);
 }
