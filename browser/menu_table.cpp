@@ -55,9 +55,9 @@ constexpr MenuEntry kMainMenu[] = {
     {"mnuFolders", "mnuShowAll", u"&Show All Files", Check},
     {"mnuFolders", "mnuRefreshTree", u"&Refresh", Entry, kBuilt, "Shift+F5", "view-refresh"},
 
-    {"mnuSearch", "mnuSearchSettings", u"&Search Image Text...", Entry, kNotYet, "Ctrl+F",
+    {"mnuSearch", "mnuSearchSettings", u"Search Photo &Metadata", Entry, kBuilt, "Ctrl+F",
      "edit-find"},
-    {"mnuSearch", "mnuSearchOn", u"Show Searched &Photos", Check, kNotYet},
+    {"mnuSearch", "mnuSearchOn", u"Show Searched &Photos", Check},
     {"mnuSearch", "", u"", Separator},
     {"mnuSearch", "mnuFileFiles", u"&Find Files...", Entry, kNotYet, "", "system-search"},
 
@@ -128,7 +128,7 @@ constexpr MenuEntry kPopupMenu[] = {
 constexpr ToolButton kToolButtons[] = {
     {1, "Toolbar1_1", u"Open Image", "open-image"},
     {2, "Toolbar1_2", u"Find Image", "find-image"},
-    {3, "Toolbar1_3", u"Search Image Text...", "search-text", kNotYet},
+    {3, "Toolbar1_3", u"Search Image Text...", "search-text"},
     {4, "", u"", ""},
     {5, "Toolbar1_5", u"Print Images", "print", kNotYet},
     {6, "Toolbar1_6", u"TWAIN Capture...", "scan"},

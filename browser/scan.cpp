@@ -2,10 +2,12 @@
 
 #include "browser/filter.h"
 #include "browser/tag_columns.h"
+#include "core/failure.h"
 #include "core/file_kinds.h"
 #include "core/native_path.h"
 #include "core/paths.h"
 #include "core/strings.h"
+#include "search/search_ahead.h"
 
 #include <algorithm>
 
@@ -21,6 +23,39 @@ int ProgressMaximum(qsizetype count)
     return count < 2 ? 1 : int(count) - 1;
 }
 
+QStringList ImagesOf(const QString& folder, const QStringList& names)
+{
+    QStringList images;
+    images.reserve(names.size());
+    for (const QString& name : names) {
+        const QString path = JoinAsIs(folder, name);
+        if (IsImageFile(path) == kTrue) {
+            images.append(path);
+        }
+    }
+    return images;
+}
+
+/// Which files the grid wants. One whose description cannot be read counts as one without; the
+/// scanner's own look says what became of it.
+ThumbnailScanner::Wanted WantedBy(const std::shared_ptr<const SearchQuestion>& search)
+{
+    if (!search) {
+        return {};
+    }
+    return [search](const QString& path) {
+        if (IsImageFile(path) != kTrue) {
+            return false;
+        }
+        try {
+            return FileMatchesSearch(path, *search) == kTrue;
+        } catch (const Failure&) {
+            return TextMatchesSearch({}, *search) == kTrue
+                || StatPath(path).type != FileType::Regular;
+        }
+    };
+}
+
 } // namespace
 
 FolderScan::FolderScan(Session& session, Platform platform, ScanView& view)
@@ -28,7 +63,7 @@ FolderScan::FolderScan(Session& session, Platform platform, ScanView& view)
       mPlatform(platform),
       mView(view),
       mScanner(platform.loop),
-      mSearchTest([](const QString&) { return true; })
+      mSearchSource([] { return SearchQuestion(); })
 { }
 
 void FolderScan::BrowseImages(int mode)
@@ -46,6 +81,10 @@ void FolderScan::BrowseImages(int mode)
         try {
             ScanOnce(next);
         } catch (...) {
+            // Without rows there are no entries either.
+            mSession.lbFilTiffs.resize(
+                std::min<qsizetype>(mSession.lbFilTiffs.size(),
+                                    next == kListMode ? mView.RowCount() : mView.CellCount()));
             mScanner.Stop();
             mScanning = false;
             throw;
@@ -79,7 +118,9 @@ void FolderScan::ScanOnce(int mode)
     }
     const QStringList& names = read->names;
 
-    if (mSearchOn) {
+    // A dialog that is left in the middle of the scan changes nothing for the files to come.
+    mSearch = mSearchOn ? std::make_shared<const SearchQuestion>(mSearchSource()) : nullptr;
+    if (mSearch) {
         mView.SetPanel(1, QStringLiteral("Search = ON"));
         mView.SetPanel(3, QStringLiteral("Searching..."));
     } else {
@@ -101,8 +142,8 @@ void FolderScan::ScanOnce(int mode)
 
     const qsizetype found = mSession.lbFilTiffs.size();
     mView.SetPanel(3,
-                   mSearchOn ? QStringLiteral("%1 of %2 Files").arg(found).arg(names.size())
-                             : QStringLiteral("Total Images = %1").arg(found));
+                   mSearch ? QStringLiteral("%1 of %2 Files").arg(found).arg(names.size())
+                           : QStringLiteral("Total Images = %1").arg(found));
     if (found == 0) {
         return;
     }
@@ -149,6 +190,12 @@ bool FolderScan::ScanList(const QStringList& names)
 
 bool FolderScan::CollectFiles(const QStringList& names)
 {
+    std::optional<SearchAhead> search;
+    if (mSearch) {
+        search.emplace(ImagesOf(mSession.gsPath, names), [question = mSearch](const QString& path) {
+            return FileMatchesSearch(path, *question) == kTrue;
+        });
+    }
     mSession.lbFilTiffs.reserve(names.size());
     for (const QString& name : names) {
         const QString candidate = JoinAsIs(mSession.gsPath, name);
@@ -156,8 +203,15 @@ bool FolderScan::CollectFiles(const QStringList& names)
             mView.HideProgress();
             return mPlatform.loop.Newest() == mGeneration;
         }
-        const bool kept = !mSearchOn || (IsImageFile(candidate) == kTrue && mSearchTest(candidate));
-        if (kept) {
+        std::optional<bool> kept = !search;
+        if (search && IsImageFile(candidate) == kTrue) {
+            while (!(kept = search->Next())) {
+                if (!mPlatform.loop.Yield(mGeneration)) {
+                    return false;
+                }
+            }
+        }
+        if (*kept) {
             mSession.lbFilTiffs.append(candidate);
         }
         if (!mPlatform.loop.Yield(mGeneration)) {
@@ -214,7 +268,7 @@ bool FolderScan::ScanThumbnails(const FolderFiles& files)
     mScanner.ThumbHeight = mSession.gThumbnailHeight;
     mScanner.ThumbWidth = mSession.gThumbnailWidth;
 
-    mScanner.Prepare(files.filesOfMasks);
+    mScanner.Prepare(files.filesOfMasks, WantedBy(mSearch));
     for (int p = 0; p < int(files.filesOfMasks.size()); ++p) {
         // Esc ends the walk of one pattern; the patterns behind it are still begun.
         if (!mScanner.Browse(p, mGeneration,
@@ -260,11 +314,11 @@ bool FolderScan::ThumbnailEvent(const ScannedFile& file)
 
 void FolderScan::AddCellOf(const ScannedFile& file)
 {
-    if (mSearchOn) {
+    if (mSearch) {
         if (IsImageFile(file.path) != kTrue) {
             return;
         }
-        if (!mSearchTest(file.path)) {
+        if (file.status == kScanUnwanted) {
             ++mSession.gFilesSeen;
             mView.SetProgress(mSession.gFilesSeen);
             return;

@@ -4,7 +4,9 @@
 #include "core/session.h"
 #include "imaging/thumbs/thumbnail_scanner.h"
 #include "platform/platform.h"
+#include "search/evaluation.h"
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace quillane {
@@ -13,8 +15,8 @@ namespace quillane {
 /// panels and a first selected file. Runs on the window thread and keeps its loop alive.
 class FolderScan {
 public:
-    /// Whether a file meets the search; asked only while search is on.
-    using SearchTest = std::function<bool(const QString& path)>;
+    /// What a search asks; called once for each scan that begins with search on.
+    using SearchSource = std::function<SearchQuestion()>;
 
     FolderScan(Session& session, Platform platform, ScanView& view);
 
@@ -23,7 +25,7 @@ public:
     bool IncludeSubDirectories() const { return mScanner.IncludeSubDirectories; }
     void SetSearchOn(bool on) { mSearchOn = on; }
     bool SearchOn() const { return mSearchOn; }
-    void SetSearchTest(SearchTest test) { mSearchTest = std::move(test); }
+    void SetSearchSource(SearchSource source) { mSearchSource = std::move(source); }
 
     /// Scans gsPath: mode 1 fills the grid, mode 0 the list, any other only the panels. Asked
     /// for while a scan runs, it notes the request and returns: the running scan ends at once,
@@ -49,8 +51,9 @@ private:
     Platform mPlatform;
     ScanView& mView;
     ThumbnailScanner mScanner;
-    SearchTest mSearchTest;
+    SearchSource mSearchSource;
     bool mSearchOn = false;
+    std::shared_ptr<const SearchQuestion> mSearch; ///< of the running scan; none: search is off
     bool mScanning = false;
     std::optional<int> mRequested;
     Generation mGeneration = 0;

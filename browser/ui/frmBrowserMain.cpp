@@ -57,7 +57,10 @@ frmBrowserMain::frmBrowserMain(Session& session, SettingsStore& store, Platform 
     setWindowIcon(QIcon(QStringLiteral(":/icons/quillane.svg")));
     setMinimumSize(kLeastWidth, kLeastHeight);
     statusBar()->setObjectName(QStringLiteral("StatusBar1"));
-    RegisterWindows(windows, session, store, platform, *this, this);
+    RegisterWindows(windows, session, store, platform, *this, mCriteria, this);
+    mScan.SetSearchSource([this] {
+        return SearchQuestion{mCriteria, {mSession.matchCase, mSession.matchWord}};
+    });
     BuildToolBar();
     BuildPanes();
     ConnectMenus();

@@ -91,6 +91,8 @@ private:
 
     // Commands.
     void OpenImage();
+    void SearchSettings();
+    void SwitchSearch();
     void ShowAbout();
     void SelectTwainSource();
     void Acquire();
@@ -141,6 +143,7 @@ private:
     FolderHistory mHistory;
     FolderTrail mTrail;
     EngineInstance mLead2;
+    SearchCriteria mCriteria;
 
     MainMenus mMenus;
     StatusPanels mPanels;

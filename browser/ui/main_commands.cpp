@@ -45,6 +45,8 @@ void frmBrowserMain::ConnectMenus()
             [this] { mTree->SetShowFiles(mMenus.IsChecked(QStringLiteral("mnuShowAll"))); });
     Command("mnuRefreshTree", [this] { mTree->Refresh(); });
     Command("mnuRefresh", [this] { RefreshFiles(); });
+    Command("mnuSearchSettings", [this] { SearchSettings(); });
+    Command("mnuSearchOn", [this] { SwitchSearch(); });
     for (const ViewEntry& view : ViewEntries()) {
         Command(view.name, [this, &view] { ChooseView(view); });
     }
@@ -177,6 +179,9 @@ void frmBrowserMain::Tool(int index)
         break;
     case 2:
         ResumeNext([&] { mPlatform.launcher.FindIn(mSession.gsPath); });
+        break;
+    case 3:
+        SearchSettings();
         break;
     case 6:
         Acquire();
@@ -453,7 +458,7 @@ void frmBrowserMain::NodeSelected(const QString& name, const QString& path)
     const bool showAll = mMenus.IsChecked(QStringLiteral("mnuShowAll"));
     const TreeNodeChoice choice = ChooseTreeNode(path, showAll);
     mSession.gsPath = choice.path;
-    ResumeNext([&] {
+    try {
         RecordHistory(choice.path);
         if (choice.isFile) {
             SetPanel(4, QStringLiteral("File: ") + choice.path);
@@ -463,7 +468,9 @@ void frmBrowserMain::NodeSelected(const QString& name, const QString& path)
             SetPanel(4, choice.path);
             BrowseImages(ViewMode());
         }
-    });
+    } catch (const Failure& failure) {
+        Tell(failure.Description());
+    }
     HideProgress();
 }
 

@@ -1,12 +1,13 @@
 #include "browser/ui/window_makers.h"
 
 #include "metadata/ui/frmToolTagEdit.h"
+#include "search/ui/frmBrowserSearch.h"
 #include "viewer/ui/frmToolImageDisplay.h"
 
 namespace quillane {
 
 void RegisterWindows(WindowRegistry& windows, Session& session, SettingsStore& store,
-                     Platform platform, BrowserHost& host, QWidget* owner)
+                     Platform platform, BrowserHost& host, SearchCriteria& criteria, QWidget* owner)
 {
     const auto tell = [&](const char* name, const WindowRegistry::Maker& maker) {
         if (!windows.Knows(QLatin1String(name))) {
@@ -17,6 +18,9 @@ void RegisterWindows(WindowRegistry& windows, Session& session, SettingsStore& s
          [&session, platform, owner] { return new frmToolTagEdit(session, platform, owner); });
     tell("frmToolImageDisplay", [&session, &store, platform, &host, owner] {
         return new frmToolImageDisplay(session, store, platform, &host, owner);
+    });
+    tell("frmBrowserSearch", [&session, &store, platform, &host, &criteria, owner] {
+        return new frmBrowserSearch(session, store, criteria, platform, host, owner);
     });
 }
 

@@ -44,6 +44,7 @@ struct ThumbnailScanner::State {
     std::vector<QString> paths;    ///< of all masks, one behind the other
     std::vector<size_t> maskBegin; ///< first path of each mask, and one end
     std::vector<HeaderResult> ring;
+    Wanted isWanted;
 
     std::mutex mutex;
     std::condition_variable read;   ///< a result is there
@@ -56,7 +57,7 @@ struct ThumbnailScanner::State {
     std::atomic<int> reading = 0; ///< readers that are not through
 
     ~State();
-    static HeaderResult ReadHeader(const QString& path);
+    HeaderResult ReadHeader(const QString& path) const;
     void Read();
     /// What is before `path` is through. Under the lock.
     void Advance(size_t path);
@@ -66,10 +67,14 @@ struct ThumbnailScanner::State {
     HeaderResult& At(size_t path) { return ring[path % ring.size()]; }
 };
 
-ThumbnailScanner::State::HeaderResult ThumbnailScanner::State::ReadHeader(const QString& path)
+ThumbnailScanner::State::HeaderResult ThumbnailScanner::State::ReadHeader(const QString& path) const
 {
     HeaderResult result;
     result.ready = true;
+    if (isWanted && !isWanted(path)) {
+        result.status = kScanUnwanted;
+        return result;
+    }
     if (IsNoPictureByName(path)) {
         const bool there = StatPath(path).type == FileType::Regular;
         result.status = there ? kScanKnownOther : kScanIgnored;
@@ -175,17 +180,22 @@ void ThumbnailScanner::Prepare(const FolderListing& listing, const QStringList& 
     Prepare(filesOfMasks);
 }
 
-void ThumbnailScanner::Prepare(const std::vector<QStringList>& filesOfMasks)
+void ThumbnailScanner::Prepare(const std::vector<QStringList>& filesOfMasks, Wanted wanted)
 {
     Stop();
     mState = std::make_shared<State>();
+    mState->isWanted = std::move(wanted);
     for (const QStringList& files : filesOfMasks) {
         mState->maskBegin.push_back(mState->paths.size());
         mState->paths.insert(mState->paths.end(), files.begin(), files.end());
     }
     mState->maskBegin.push_back(mState->paths.size());
     mState->ring.resize(std::clamp<size_t>(mState->paths.size(), 1, kHeadersAhead));
-    const size_t readers = std::min<size_t>(kHeaderReaders, mState->paths.size());
+    // Asking whether a file is wanted is work for every core.
+    const size_t atMost = mState->isWanted
+        ? std::max<size_t>(kHeaderReaders, std::thread::hardware_concurrency())
+        : kHeaderReaders;
+    const size_t readers = std::min(atMost, mState->paths.size());
     mState->reading = int(readers);
     for (size_t i = 0; i < readers; ++i) {
         mState->readers.emplace_back([state = mState.get()] {

@@ -13,6 +13,7 @@ enum ScanStatus : qint16 {
     kScanGood = 0,
     kScanUnreadable = 1, ///< no picture, or damaged
     kScanIgnored = 2,    ///< not a regular file any more
+    kScanUnwanted = 3,   ///< the caller does not want it; its header was not read
     kScanKnownOther = 5, ///< unreadable but known: an album or a print-setting file
 };
 
@@ -38,8 +39,11 @@ public:
     /// Tells which masks will be browsed, in their order, so that their files are read ahead
     /// across masks. `listing` is the folder read with IncludeSubDirectories.
     void Prepare(const FolderListing& listing, const QStringList& masks);
-    /// The same with the full paths of each mask's files.
-    void Prepare(const std::vector<QStringList>& filesOfMasks);
+    /// Whether a file is wanted at all; called on several threads at once.
+    using Wanted = std::function<bool(const QString& path)>;
+    /// The same with the full paths of each mask's files. Of a file that is not `wanted` nothing
+    /// is read; without the function all are.
+    void Prepare(const std::vector<QStringList>& filesOfMasks, Wanted wanted = {});
     /// Delivers the files of mask number `index` of Prepare; ends early when an event answers
     /// false. While the next header is not there yet, window events flow; when `generation` is
     /// no longer the newest, it ends and returns false.

@@ -161,6 +161,7 @@ TEST(MenuTable, CaptionsThatAreFixedStandToTheLetter)
         {"mnuPopSelect", "Select &All Files"},
         {"mnuPopAdd", "&Add File(s) to Photo Album"},
         {"mnuPopSetWallpaper", "Set Photo as Wallpaper"},
+        {"mnuSearchSettings", "Search Photo &Metadata"},
         {"mnuSearchOn", "Show Searched &Photos"},
     };
     for (const auto& row : wanted) {

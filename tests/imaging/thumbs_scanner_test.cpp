@@ -2,6 +2,7 @@
 #include "imaging/thumbs/thumbnail_scanner.h"
 #include "platform/fake/fake_loop.h"
 #include "thumbs_support.h"
+#include <atomic>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -85,6 +86,24 @@ TEST_F(Scanner, AFileUnderTwoMasksIsDeliveredTwice)
     EXPECT_EQ(Browse(0), QStringList({"a.jpg", "b.jpg"}));
     EXPECT_EQ(Browse(1), QStringList());
     EXPECT_EQ(Browse(2), QStringList({"a.jpg", "b.jpg"}));
+}
+
+TEST_F(Scanner, OfAFileThatIsNotWantedNothingIsReadAndItsEventSaysSo)
+{
+    WriteJpeg("a.jpg");
+    mFolder.Write("b.jpg", "no picture, which nobody finds out");
+    WriteJpeg("c.jpg");
+    const QString folder = mFolder.Path();
+    std::atomic<int> asked = 0;
+    mScanner.Prepare(
+        {{folder + "a.jpg", folder + "b.jpg"}, {folder + "c.jpg", folder + "gone.jpg"}},
+        [&](const QString& path) {
+            ++asked;
+            return !path.endsWith(QLatin1String("b.jpg"));
+        });
+    EXPECT_EQ(Browse(0), QStringList({"a.jpg", QStringLiteral("b.jpg %1").arg(kScanUnwanted)}));
+    EXPECT_EQ(Browse(1), QStringList({"c.jpg", QStringLiteral("gone.jpg %1").arg(kScanIgnored)}));
+    EXPECT_EQ(asked, 4);
 }
 
 TEST_F(Scanner, ANoEndsThatMaskAlone)

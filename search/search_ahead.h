@@ -1,0 +1,31 @@
+#pragma once
+#include <QStringList>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace quillane {
+
+/// Tests the files of a scan on all cores, ahead of the scan, and answers in their order.
+class SearchAhead {
+public:
+    /// Whether a file passes; called on several threads at once, may throw a Failure.
+    using Test = std::function<bool(const QString& path)>;
+
+    /// Begins at once.
+    SearchAhead(QStringList paths, Test test);
+    /// Drops what is not tested yet and waits for the files being read.
+    ~SearchAhead();
+    SearchAhead(const SearchAhead&) = delete;
+    SearchAhead& operator=(const SearchAhead&) = delete;
+
+    /// The answer for the next file; nothing when it is not there within some milliseconds. The
+    /// Failure of its test comes out here. Failure kFailureIndex behind the last.
+    std::optional<bool> Next();
+
+private:
+    struct State;
+    std::unique_ptr<State> mState;
+};
+
+} // namespace quillane
