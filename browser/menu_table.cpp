@@ -69,7 +69,8 @@ constexpr MenuEntry kMainMenu[] = {
     {"mnuTools", "mnuCustomTool4", u"Custom Tool 4", Check},
     {"mnuTools", "mnuWindowsDefaultViewer", u"Windows Default Photo Viewer", Check},
     {"mnuTools", "", u"", Separator},
-    {"mnuTools", "mnuShowEditImageFileList", u"Photo &Album...", Entry, kNotYet, "Ctrl+L"},
+    {"mnuTools", "mnuShowEditImageFileList", u"Photo &Album...", Entry, EntryState::Built,
+     "Ctrl+L"},
     {"mnuTools", "mnuWayfarix", u"&Map Photo Position", Entry, kNotYet},
 
     {"mnuApplications", "mnuTagEditApp", u"&Photo Metadata...", Entry, kNotYet},
@@ -112,7 +113,7 @@ constexpr MenuEntry kPopupMenu[] = {
     {"mnuPopUp", "", u"", Separator},
     {"mnuPopUp", "mnuPopSelect", u"Select &All Files"},
     {"mnuPopUp", "mnuPopAdd", u"&Add File(s) to Photo Album"},
-    {"mnuPopUp", "mnuPopShow", u"&Show Photo Album", Entry, kNotYet},
+    {"mnuPopUp", "mnuPopShow", u"&Show Photo Album"},
     {"mnuPopUp", "", u"", Separator},
     {"mnuPopUp", "mnuPopSetWallpaper", u"Set Photo as Wallpaper", Entry, kNotYet},
     {"mnuPopUp", "mnuPopEmail", u"E-&mail Images...", Entry, kNotYet},
@@ -135,7 +136,7 @@ constexpr ToolButton kToolButtons[] = {
     {7, "Toolbar1_7", u"Video Capture...", "video-capture"},
     {8, "", u"", ""},
     {9, "Toolbar1_9", u"Send...", "send", kNotYet},
-    {10, "Toolbar1_10", u"View Photo Album...", "album", kNotYet},
+    {10, "Toolbar1_10", u"View Photo Album...", "album"},
 };
 
 constexpr ViewEntry kViewEntries[] = {

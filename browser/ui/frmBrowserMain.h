@@ -99,6 +99,7 @@ private:
     void ClearHistory();
     void RunCustomSlot(const CustomSlot& slot);
     void AddSelectedToAlbum();
+    QObject* ShowAlbum();
     void ChooseView(const ViewEntry& view);
     void OpenCurrent();
     void PickFile(int position);

@@ -6,6 +6,7 @@
 #include "browser/open_road.h"
 #include "browser/tree_node.h"
 #include "browser/ui/frmBrowserAbout.h"
+#include "core/export_list.h"
 #include "core/file_kinds.h"
 #include "core/paths.h"
 #include "platform/ui/command_connector.h"
@@ -65,6 +66,8 @@ void frmBrowserMain::ConnectMenus()
     }
     Command("mnuPopSelect", [this] { mViews->Grid()->SelectAll(); });
     Command("mnuPopAdd", [this] { AddSelectedToAlbum(); });
+    Command("mnuPopShow", [this] { ShowAlbum(); });
+    Command("mnuShowEditImageFileList", [this] { ShowAlbum(); });
     Command("mnuHelpContents", [this] { SystemOpen(mPlatform.places.HelpFile()); });
     const std::pair<const char*, QString> pages[] = {{"mnuTechSupport", SupportPage()},
                                                      {"mnuOnlineTutorial", TutorialPage()},
@@ -191,6 +194,9 @@ void frmBrowserMain::Tool(int index)
             mPlatform.launcher.Run(
                 mPlatform.places.ApplicationFolder() + QStringLiteral("VideoCapture"), {});
         });
+        break;
+    case 10:
+        ShowAlbum();
         break;
     default:
         break;
@@ -324,11 +330,27 @@ void frmBrowserMain::ClearHistory()
 
 void frmBrowserMain::AddSelectedToAlbum()
 {
-    for (const QString& path : mViews->SelectedPaths()) {
-        if (!mSession.lbExportList.contains(path)) {
-            mSession.lbExportList.append(path);
-        }
+    const QStringList selected = mViews->SelectedPaths();
+    const qsizetype before = mSession.lbExportList.size();
+    AddNewPaths(mSession.lbExportList, selected);
+    const qsizetype added = mSession.lbExportList.size() - before;
+    if (!selected.isEmpty()) {
+        Tell(tr("%1 of %2 selected added to the photo album, which holds %3 now.")
+                 .arg(added)
+                 .arg(selected.size())
+                 .arg(mSession.lbExportList.size()));
     }
+}
+
+QObject* frmBrowserMain::ShowAlbum()
+{
+    QObject* const album = mWindows.Get(QStringLiteral("frmBrowserImageFileList"));
+    if (auto* window = qobject_cast<QWidget*>(album)) {
+        window->show();
+        window->raise();
+        window->activateWindow();
+    }
+    return album;
 }
 
 QVector<bool> frmBrowserMain::SelectedFlags() const
@@ -400,7 +422,8 @@ void frmBrowserMain::OpenCurrent()
 {
     switch (RoadFor(mSession.gsFileName, mSession.gsVideoTool)) {
     case OpenRoad::Album:
-        Tell(NotYetTip(tr("Photo Album")));
+        QMetaObject::invokeMethod(ShowAlbum(), "OpenImageListFile",
+                                  Q_ARG(QString, mSession.gsFileName));
         break;
     case OpenRoad::OwnPlayer:
         Tell(NotYetTip(tr("Media Player")));

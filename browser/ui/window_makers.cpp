@@ -1,5 +1,6 @@
 #include "browser/ui/window_makers.h"
 
+#include "album/ui/frmBrowserImageFileList.h"
 #include "metadata/ui/frmToolTagEdit.h"
 #include "search/ui/frmBrowserSearch.h"
 #include "viewer/ui/frmToolImageDisplay.h"
@@ -21,6 +22,9 @@ void RegisterWindows(WindowRegistry& windows, Session& session, SettingsStore& s
     });
     tell("frmBrowserSearch", [&session, &store, platform, &host, &criteria, owner] {
         return new frmBrowserSearch(session, store, criteria, platform, host, owner);
+    });
+    tell("frmBrowserImageFileList", [&session, &store, platform, &host, owner] {
+        return new frmBrowserImageFileList(session, store, platform, &host, owner);
     });
 }
 

@@ -1,0 +1,157 @@
+#include "album/album_file.h"
+
+#include "core/atomic_save.h"
+#include "core/failure.h"
+#include "imaging/comments/text_bytes.h"
+
+#include <QCoreApplication>
+#include <algorithm>
+#include <optional>
+
+namespace quillane {
+
+namespace {
+
+constexpr char kAlbumByteOrderMark[] = "\xef\xbb\xbf";
+constexpr char kAlbumFileLineEnd[] = "\r\n";
+constexpr int kMostKeptAlbums = 20; // old files beside one album
+
+QString AlbumWords(const char* words)
+{
+    return QCoreApplication::translate("Album", words);
+}
+
+/// The lines of an album without their ends, one at a time.
+class AlbumFileLines {
+public:
+    explicit AlbumFileLines(QByteArrayView bytes) : mBytes(bytes)
+    {
+        if (mBytes.startsWith(kAlbumByteOrderMark)) {
+            mBytes = mBytes.sliced(3);
+        }
+    }
+    /// The next line; nothing at the end.
+    std::optional<QByteArrayView> Next()
+    {
+        if (mBytes.isEmpty()) {
+            return {};
+        }
+        ++mNumber;
+        const qsizetype end = mBytes.indexOf('\n');
+        QByteArrayView line = end < 0 ? mBytes : mBytes.first(end);
+        mBytes = end < 0 ? QByteArrayView() : mBytes.sliced(end + 1);
+        if (line.endsWith('\r')) {
+            line.chop(1);
+        }
+        return line;
+    }
+    qint64 Number() const { return mNumber; } ///< of the last line, from 1
+
+private:
+    QByteArrayView mBytes;
+    qint64 mNumber = 0;
+};
+
+bool IsAlbumHash(QByteArrayView line)
+{
+    return line.size() == 1 && line.front() == '#';
+}
+
+bool HasEscapedBytes(QStringView path)
+{
+    return std::any_of(path.begin(), path.end(), [](QChar unit) {
+        return unit.unicode() >= 0xDC80 && unit.unicode() <= 0xDCFF;
+    });
+}
+
+/// Whether the line may be part of an album; else says why not.
+bool TakesAlbumLine(QByteArrayView line, const AlbumFileLines& lines, AlbumText& album)
+{
+    if (line.size() > kMaxAlbumLine) {
+        album.endedEarly = AlbumWords("Line %1 is too long for a path").arg(lines.Number());
+    } else if (album.paths.size() >= kMaxAlbumPaths) {
+        album.endedEarly = AlbumWords("There are more than %1 lines").arg(kMaxAlbumPaths);
+    }
+    return album.endedEarly.isEmpty();
+}
+
+} // namespace
+
+AlbumText ParseAlbum(QByteArrayView content)
+{
+    AlbumText album;
+    AlbumFileLines lines(content);
+    std::optional<QByteArrayView> line = lines.Next();
+    if (line && IsAlbumHash(*line)) {
+        album.hasComment = true;
+        while ((line = lines.Next()) && !IsAlbumHash(*line)) {
+            if (line->size() + album.comment.size() > kMaxAlbumComment) {
+                album.endedEarly = AlbumWords("The comment is too long");
+                return album;
+            }
+            album.comment += TextFromFieldBytes(*line);
+        }
+        line = lines.Next();
+    }
+    for (; line && TakesAlbumLine(*line, lines, album); line = lines.Next()) {
+        album.paths.append(PathFromBytes(*line));
+    }
+    return album;
+}
+
+AlbumText ReadAlbumText(const QString& path)
+{
+    return ParseAlbum(ReadWholeFile(path, kMaxAlbumBytes));
+}
+
+QString EightBitReading(const QString& path)
+{
+    return HasEscapedBytes(path) ? TextFromFieldBytes(BytesFromPath(path)) : QString();
+}
+
+QByteArray AlbumBytes(const QString& comment, const QList<QString>& paths)
+{
+    QByteArray bytes;
+    if (!comment.isEmpty()) {
+        QString text = comment;
+        text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+        text.replace(u'\n', QStringLiteral("\r\n"));
+        bytes += QByteArray("#") + kAlbumFileLineEnd + text.toUtf8() + kAlbumFileLineEnd + '#'
+            + kAlbumFileLineEnd;
+    }
+    for (const QString& path : paths) {
+        bytes += BytesFromPath(path) + kAlbumFileLineEnd;
+    }
+    return bytes;
+}
+
+qsizetype PathsWithLineEnds(const QList<QString>& paths)
+{
+    return std::count_if(paths.begin(), paths.end(), [](const QString& path) {
+        return path.contains(u'\n') || path.endsWith(u'\r');
+    });
+}
+
+bool WriteAlbumFile(const QString& path, const QString& comment, const QList<QString>& paths,
+                    bool keepPrevious)
+{
+    if (path.isEmpty() || paths.isEmpty()) {
+        return false;
+    }
+    SaveOptions options;
+    if (keepPrevious && StatPath(path).type == FileType::Regular) {
+        QString kept = path + u'~';
+        for (int i = 1; i < kMostKeptAlbums && StatPath(kept).type != FileType::Missing; ++i) {
+            kept += u'~';
+        }
+        if (StatPath(kept).type != FileType::Missing) {
+            throw Failure(kFailureGeneral,
+                          AlbumWords("Too many older copies of this album stand beside it."), path);
+        }
+        options.keepPreviousAs = kept;
+    }
+    SaveAtomically(path, AlbumBytes(comment, paths), options);
+    return true;
+}
+
+} // namespace quillane
