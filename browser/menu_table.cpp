@@ -59,7 +59,8 @@ constexpr MenuEntry kMainMenu[] = {
      "edit-find"},
     {"mnuSearch", "mnuSearchOn", u"Show Searched &Photos", Check},
     {"mnuSearch", "", u"", Separator},
-    {"mnuSearch", "mnuFileFiles", u"&Find Files...", Entry, kNotYet, "", "system-search"},
+    {"mnuSearch", "mnuFileFiles", u"&Find Files...", Entry, kBuilt, "Ctrl+Shift+F",
+     "system-search"},
 
     {"mnuTools", "mnuImage", u"View/Enhance Photo", Check},
     {"mnuTools", "mnuTagEdit", u"Edit Photo Metadata", Check, kBuilt},

@@ -64,6 +64,13 @@ void frmBrowserMain::ConnectMenus()
         const QByteArray name = "mnuCustomApp" + QByteArray::number(i + 1);
         Command(name.constData(), [this, i] { RunCustomSlot(mSlots.apps[size_t(i)]); });
     }
+    Command("mnuFileFiles", [this] {
+        if (auto* locator = qobject_cast<QWidget*>(mWindows.Get(QStringLiteral("frmLocate")))) {
+            locator->show();
+            locator->raise();
+            locator->activateWindow();
+        }
+    });
     Command("mnuPopSelect", [this] { mViews->Grid()->SelectAll(); });
     Command("mnuPopAdd", [this] { AddSelectedToAlbum(); });
     Command("mnuPopShow", [this] { ShowAlbum(); });

@@ -1,7 +1,9 @@
 #include "browser/ui/window_makers.h"
 
 #include "album/ui/frmBrowserImageFileList.h"
+#include "locator/ui/frmLocate.h"
 #include "metadata/ui/frmToolTagEdit.h"
+#include "platform/end_program.h"
 #include "search/ui/frmBrowserSearch.h"
 #include "viewer/ui/frmToolImageDisplay.h"
 
@@ -25,6 +27,9 @@ void RegisterWindows(WindowRegistry& windows, Session& session, SettingsStore& s
     });
     tell("frmBrowserImageFileList", [&session, &store, platform, &host, owner] {
         return new frmBrowserImageFileList(session, store, platform, &host, owner);
+    });
+    tell("frmLocate", [&session, platform, owner] {
+        return new frmLocate(session, platform, EndProgramAtOnce, owner);
     });
 }
 

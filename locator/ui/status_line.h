@@ -1,0 +1,18 @@
+#pragma once
+#include <QLabel>
+
+namespace quillane {
+
+/// A line of text that shows as much of itself as there is room for; a tool tip has the rest.
+class StatusLine : public QLabel {
+    Q_OBJECT
+public:
+    using QLabel::QLabel;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    bool event(QEvent* event) override;
+};
+
+} // namespace quillane
