@@ -3,8 +3,10 @@
 #include "platform/fixed_places.h"
 #include "platform/folder_watch.h"
 #include "platform/launcher.h"
+#include "platform/mail.h"
 #include "platform/scanner.h"
 #include "platform/ui_loop.h"
+#include "platform/wallpaper.h"
 
 namespace quillane {
 
@@ -16,6 +18,8 @@ struct Platform {
     FixedPlaces& places;
     FolderWatch& watch;
     Scanner& scanner;
+    WallpaperService& wallpaper;
+    MailService& mail;
 };
 
 } // namespace quillane

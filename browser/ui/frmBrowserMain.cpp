@@ -126,11 +126,7 @@ void frmBrowserMain::LoadSettings()
     mScan.SetIncludeSubDirectories(mSettings.includeSubDirectories);
     mViews->List()->SetSorted(mSettings.sorted);
     mViews->List()->SetGridLines(mSettings.gridLines);
-    for (const ViewEntry& view : ViewEntries()) {
-        const bool checked =
-            mSettings.thumbnailsChecked ? view.style < 0 : view.style == mSettings.listStyle;
-        mMenus.SetChecked(QLatin1String(view.name), checked);
-    }
+    CheckView(mSettings.thumbnailsChecked ? -1 : mSettings.listStyle);
     mDirPath->clear();
     mDirPath->addItems(mHistory.Entries());
     mDirPath->setCurrentIndex(-1);

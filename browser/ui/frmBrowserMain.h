@@ -61,6 +61,9 @@ public:
     /// Composes the preview of a file; what takes long follows when it is read.
     void ShowImageDescription(const QString& fileName);
 
+    /// Shows one quiet line in the status bar for some seconds.
+    void Tell(const QString& line) { mPanels.Tell(line); }
+
     MainMenus& Menus() { return mMenus; }
     cVSplitter& Splitter() { return mSplitter; }
     EngineInstance& Lead2() { return mLead2; }
@@ -97,9 +100,15 @@ private:
     void SelectTwainSource();
     void Acquire();
     void ClearHistory();
-    void RunCustomSlot(const CustomSlot& slot);
     void AddSelectedToAlbum();
     QObject* ShowAlbum();
+    void ConnectLaunching();
+    void RunSlot(const CustomSlot& slot);
+    void ShowOnMap();
+    void SendImages();
+    void ShowPreferences();
+    QString PickProgram();
+    void CheckView(int style);
     void ChooseView(const ViewEntry& view);
     void OpenCurrent();
     void PickFile(int position);
@@ -108,7 +117,6 @@ private:
     void NodeSelected(const QString& name, const QString& path);
     void RecordHistory(const QString& folder);
     void SystemOpen(const QString& path);
-    void Tell(const QString& line) { mPanels.Tell(line); }
     int ViewMode() const;
     void ShowFactsOf(const PreviewFacts& facts);
     void ShowPictureOf(const PreviewPicture& picture);

@@ -62,7 +62,7 @@ void frmBrowserMain::ConnectMenus()
     }
     for (int i = 0; i < kSlotsOfAKind; ++i) {
         const QByteArray name = "mnuCustomApp" + QByteArray::number(i + 1);
-        Command(name.constData(), [this, i] { RunCustomSlot(mSlots.apps[size_t(i)]); });
+        Command(name.constData(), [this, i] { RunSlot(mSlots.apps[size_t(i)]); });
     }
     Command("mnuFileFiles", [this] {
         if (auto* locator = qobject_cast<QWidget*>(mWindows.Get(QStringLiteral("frmLocate")))) {
@@ -71,6 +71,7 @@ void frmBrowserMain::ConnectMenus()
             locator->activateWindow();
         }
     });
+    ConnectLaunching();
     Command("mnuPopSelect", [this] { mViews->Grid()->SelectAll(); });
     Command("mnuPopAdd", [this] { AddSelectedToAlbum(); });
     Command("mnuPopShow", [this] { ShowAlbum(); });
@@ -202,6 +203,9 @@ void frmBrowserMain::Tool(int index)
                 mPlatform.places.ApplicationFolder() + QStringLiteral("VideoCapture"), {});
         });
         break;
+    case 9:
+        SendImages();
+        break;
     case 10:
         ShowAlbum();
         break;
@@ -261,7 +265,7 @@ void frmBrowserMain::ImageTool(qint32 tool)
         return;
     }
     if (tool >= kFirstCustomTool && tool <= kLastCustomTool) {
-        RunCustomSlot(mSlots.tools[size_t(tool - kFirstCustomTool)]);
+        RunSlot(mSlots.tools[size_t(tool - kFirstCustomTool)]);
         return;
     }
     for (const ToolRow& row : ImageTools()) {
@@ -276,15 +280,6 @@ void frmBrowserMain::ImageTool(qint32 tool)
             }
         }
     }
-}
-
-void frmBrowserMain::RunCustomSlot(const CustomSlot& slot)
-{
-    // The file goes over unquoted, so that a path with a blank arrives as two parameters.
-    ResumeNext([&] {
-        mPlatform.launcher.Run(slot.path, mSession.gsFileName.split(u' ', Qt::SkipEmptyParts),
-                               mSession.gsPath);
-    });
 }
 
 void frmBrowserMain::SystemOpen(const QString& path)
@@ -407,9 +402,7 @@ void frmBrowserMain::ShowFiles(const QVector<QString>& paths)
 void frmBrowserMain::ChooseView(const ViewEntry& view)
 {
     const Hourglass busy(mPlatform.loop);
-    for (const ViewEntry& other : ViewEntries()) {
-        mMenus.SetChecked(QLatin1String(other.name), &other == &view);
-    }
+    CheckView(view.style);
     mViews->ShowView(view.style);
     BrowseImages(view.scanMode);
 }

@@ -6,6 +6,7 @@
 #include "platform/desktop/find_program.h"
 #include "platform/desktop/portal_request.h"
 #include "platform/desktop/spawn.h"
+#include "platform/desktop/watched_program.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -50,9 +51,7 @@ bool PortalCanBeTried()
 
 FileHandle OpenForPortal(const QString& path, FileType type)
 {
-    if (type == FileType::Other
-        || !QDBusConnection::sessionBus().connectionCapabilities().testFlag(
-            QDBusConnection::UnixFileDescriptorPassing)) {
+    if (type == FileType::Other || !SessionBusTakesFiles()) {
         return {};
     }
     return FileHandle(::open(BytesFromPath(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
@@ -124,17 +123,32 @@ void DesktopLauncher::FindIn(const QString& folder)
 }
 
 void DesktopLauncher::Run(const QString& program, const QStringList& arguments,
-                          const QString& workingFolder)
+                          const QString& workingFolder, RunFailed failed)
 {
+    if (program.isEmpty()) {
+        throw Failure(kFailureNoFile, QStringLiteral("No program was named."));
+    }
     const QString path = program.contains(u'/') ? program : FindProgram(program);
     if (path.isEmpty()) {
         throw Failure(kFailureNoFile, QStringLiteral("There is no program %1.").arg(program));
     }
     QList<QByteArray> bytes;
+    bytes.reserve(arguments.size());
     for (const QString& argument : arguments) {
         bytes.append(BytesFromPath(argument));
     }
-    SpawnDetached(path, bytes, workingFolder);
+    if (!failed) {
+        SpawnDetached(path, bytes, workingFolder);
+        return;
+    }
+    WatchedProgram::Run(
+        {path, bytes, workingFolder},
+        [failed = std::move(failed)](const ProgramEnd& end) {
+            if (!end.Good()) {
+                failed(end.Words());
+            }
+        },
+        this);
 }
 
 } // namespace quillane

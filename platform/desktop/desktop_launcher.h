@@ -13,8 +13,8 @@ public:
     void OpenPath(const QString& path) override;
     void OpenAddress(const QString& address) override;
     void FindIn(const QString& folder) override;
-    void Run(const QString& program, const QStringList& arguments,
-             const QString& workingFolder) override;
+    void Run(const QString& program, const QStringList& arguments, const QString& workingFolder,
+             RunFailed failed = {}) override;
 };
 
 /// file: address of a path, every byte that is not plain escaped.

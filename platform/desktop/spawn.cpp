@@ -24,12 +24,12 @@ namespace {
 /// What posix_spawn is told besides the program; freed at the end of its life.
 class SpawnPlan {
 public:
-    SpawnPlan()
+    explicit SpawnPlan(const SpawnStreams& streams)
     {
         posix_spawn_file_actions_init(&actions);
         posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-        posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        Lead(STDOUT_FILENO, streams.output);
+        Lead(STDERR_FILENO, streams.errors);
         // The program gets signals as if a person had started it, whatever is blocked here.
         sigset_t all, none;
         sigfillset(&all);
@@ -50,6 +50,16 @@ public:
 
     posix_spawn_file_actions_t actions;
     posix_spawnattr_t attributes;
+
+private:
+    void Lead(int stream, int to)
+    {
+        if (to >= 0) {
+            posix_spawn_file_actions_adddup2(&actions, to, stream);
+        } else {
+            posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_WRONLY, 0);
+        }
+    }
 };
 
 /// Takes the program's exit status when it ends, so that nothing is left of it.
@@ -87,10 +97,10 @@ Failure SpawnFailure(int error, const QString& program)
 
 } // namespace
 
-void SpawnDetached(const QString& program, const QList<QByteArray>& arguments,
-                   const QString& folder)
+pid_t Spawn(const QString& program, const QList<QByteArray>& arguments, const QString& folder,
+            const SpawnStreams& streams)
 {
-    SpawnPlan plan;
+    SpawnPlan plan(streams);
     const QByteArray startIn = BytesFromPath(folder);
     if (!folder.isEmpty()) {
         if (StatPath(folder).type != FileType::Folder) {
@@ -101,6 +111,7 @@ void SpawnDetached(const QString& program, const QList<QByteArray>& arguments,
     QList<QByteArray> words{BytesFromPath(program)};
     words.append(arguments);
     std::vector<char*> argv;
+    argv.reserve(size_t(words.size()) + 1);
     for (QByteArray& word : words) {
         argv.push_back(word.data());
     }
@@ -111,7 +122,13 @@ void SpawnDetached(const QString& program, const QList<QByteArray>& arguments,
     if (error != 0) {
         throw SpawnFailure(error, program);
     }
-    ReapWhenEnded(child);
+    return child;
+}
+
+void SpawnDetached(const QString& program, const QList<QByteArray>& arguments,
+                   const QString& folder)
+{
+    ReapWhenEnded(Spawn(program, arguments, folder, {}));
 }
 
 } // namespace quillane

@@ -2,6 +2,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <sys/types.h>
 
 namespace quillane {
 
@@ -11,5 +12,15 @@ namespace quillane {
 /// kFailureDenied when it may not be run, kFailureGeneral for any other reason.
 void SpawnDetached(const QString& program, const QList<QByteArray>& arguments,
                    const QString& folder = {});
+
+/// Where the output of a program goes: open descriptors, or nowhere.
+struct SpawnStreams {
+    int output = -1;
+    int errors = -1;
+};
+/// The same, for a caller that takes the exit status of the child itself (waitpid): the child's
+/// process, which leads a process group of its own.
+pid_t Spawn(const QString& program, const QList<QByteArray>& arguments, const QString& folder,
+            const SpawnStreams& streams);
 
 } // namespace quillane

@@ -17,6 +17,7 @@ public:
         QString program;
         QStringList arguments;
         QString folder;
+        RunFailed failed; ///< to be called as if the program had ended badly
     };
     QStringList opened, addresses, searched;
     QVector<Started> started;
@@ -25,11 +26,30 @@ public:
     void OpenPath(const QString& path) override { Note(opened, path); }
     void OpenAddress(const QString& address) override { Note(addresses, address); }
     void FindIn(const QString& folder) override { Note(searched, folder); }
-    void Run(const QString& program, const QStringList& arguments,
-             const QString& workingFolder) override;
+    void Run(const QString& program, const QStringList& arguments, const QString& workingFolder,
+             RunFailed failed) override;
 
 private:
     void Note(QStringList& list, const QString& text);
+};
+
+/// Notes what became the wallpaper; the test says how it ended.
+class FakeWallpaper : public WallpaperService {
+public:
+    QStringList set;
+    QVector<ServiceEnded> ended; ///< one for each of `set`
+    bool refuses = false;        ///< Set ends with a Failure
+
+    void Set(const QString& path, ServiceEnded whenEnded) override;
+};
+
+/// Notes what would have been sent; the test says how it ended.
+class FakeMail : public MailService {
+public:
+    QVector<QStringList> composed;
+    QVector<ServiceEnded> ended; ///< one for each of `composed`
+
+    void Compose(const QStringList& attachments, ServiceEnded whenEnded) override;
 };
 
 /// Every fixed place below one folder.
@@ -73,7 +93,11 @@ private:
 /// The fakes in one bundle.
 struct FakePlatform {
     explicit FakePlatform(const QString& root) : places(root) { }
-    Platform Services() { return {dialogs, loop, launcher, places, watch, scanner}; }
+    /// All of them, as the windows are handed them.
+    Platform Services()
+    {
+        return {dialogs, loop, launcher, places, watch, scanner, wallpaper, mail};
+    }
 
     FakeDialogs dialogs;
     FakeLoop loop;
@@ -81,6 +105,8 @@ struct FakePlatform {
     FakePlaces places;
     FakeWatch watch;
     FakeScanner scanner;
+    FakeWallpaper wallpaper;
+    FakeMail mail;
 };
 
 } // namespace quillane

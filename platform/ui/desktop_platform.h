@@ -1,8 +1,10 @@
 #pragma once
 #include "platform/desktop/desktop_launcher.h"
 #include "platform/desktop/desktop_loop.h"
+#include "platform/desktop/desktop_mail.h"
 #include "platform/desktop/desktop_places.h"
 #include "platform/desktop/desktop_scanner.h"
+#include "platform/desktop/desktop_wallpaper.h"
 #include "platform/desktop/desktop_watch.h"
 #include "platform/platform.h"
 #include "platform/ui/desktop_dialogs.h"
@@ -11,7 +13,11 @@ namespace quillane {
 
 /// The real services of the outside. Needs the application object.
 struct DesktopPlatform {
-    Platform Services() { return {dialogs, loop, launcher, places, watch, scanner}; }
+    /// All of them, as the windows are handed them.
+    Platform Services()
+    {
+        return {dialogs, loop, launcher, places, watch, scanner, wallpaper, mail};
+    }
 
     DesktopDialogs dialogs;
     DesktopLoop loop;
@@ -19,6 +25,8 @@ struct DesktopPlatform {
     DesktopPlaces places;
     DesktopWatch watch;
     DesktopScanner scanner{places.ScanHelper()};
+    DesktopWallpaper wallpaper;
+    DesktopMail mail;
 };
 
 } // namespace quillane

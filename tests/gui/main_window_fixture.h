@@ -58,7 +58,8 @@ protected:
     }
     Platform Services()
     {
-        return {fakes.dialogs, loop, fakes.launcher, fakes.places, fakes.watch, fakes.scanner};
+        return {fakes.dialogs, loop,          fakes.launcher,  fakes.places,
+                fakes.watch,   fakes.scanner, fakes.wallpaper, fakes.mail};
     }
     /// No scan is running: its panel tells the count.
     bool Rested() const

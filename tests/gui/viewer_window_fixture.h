@@ -80,7 +80,8 @@ protected:
         session.gsFileName = file;
         window = std::make_unique<frmToolImageDisplay>(
             session, store,
-            Platform{fakes.dialogs, loop, fakes.launcher, fakes.places, fakes.watch, fakes.scanner},
+            Platform{fakes.dialogs, loop, fakes.launcher, fakes.places, fakes.watch, fakes.scanner,
+                     fakes.wallpaper, fakes.mail},
             &host);
         window->setAttribute(Qt::WA_DeleteOnClose, false);
     }

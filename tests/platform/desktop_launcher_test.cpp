@@ -115,6 +115,22 @@ TEST_F(LauncherWithoutBus, RunRefusesWhatIsNotThere)
     EXPECT_EQ(programs.CallCount("tool"), 0);
 }
 
+TEST_F(LauncherWithoutBus, RunTellsHowAProgramFailed)
+{
+    programs.Offer("tool", "echo 'cannot open it' >&2; exit 4");
+    programs.Offer("good");
+    QStringList told;
+    launcher.Run("good", {}, {}, [&](const QString& words) { told.append(words); });
+    launcher.Run("tool", {"a b"}, pictures.Path(),
+                 [&](const QString& words) { told.append(words); });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return launcher.children().isEmpty(); }, kTestPatience));
+    EXPECT_EQ(told,
+              QStringList(programs.Folder().Path("tool")
+                          + QStringLiteral(" ended with error 4: cannot open it")));
+    EXPECT_EQ(programs.WaitForCall("tool").arguments, QList<QByteArray>({"a b"}));
+    EXPECT_EQ(programs.CallCount("good"), 1);
+}
+
 TEST(FileAddress, EscapesEveryByteThatIsNotPlain)
 {
     EXPECT_EQ(FileAddress("/a/B-1_2.~z"), "file:///a/B-1_2.~z");

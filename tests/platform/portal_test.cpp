@@ -176,6 +176,23 @@ TEST_F(DesktopWithBus, FindOpensTheFolderWhereNoFileManagerAnswers)
     EXPECT_EQ(programs.WaitForCall("xdg-open").arguments, QList<QByteArray>({pictures.Bytes()}));
 }
 
+TEST_F(DesktopWithBus, APortalThatNeverAnswersIsNotWaitedForForEver)
+{
+    StartPortal();
+    QList<PortalEnd> ends;
+    PortalCall call{"OpenURI", "OpenURI", {QString(), "https://example.org/"}, {}, 100};
+    PortalRequest::Send(
+        call, [&](PortalEnd end) { ends.append(end); }, &launcher);
+    ASSERT_TRUE(WaitForEnd());
+    EXPECT_EQ(ends, QList<PortalEnd>({PortalEnd::Silent}));
+    ASSERT_EQ(portal->calls.size(), 1);
+    // What comes later finds nobody.
+    portal->response = 0;
+    portal->Answer(portal->calls[0], portal->caller);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(ends.size(), 1);
+}
+
 TEST(SessionBus, IsOnlyThereWhenTheEnvironmentSaysSo)
 {
     const TempFolder folder;

@@ -4,6 +4,7 @@
 #include "platform/scoped_environment.h"
 #include <QList>
 #include <QTest>
+#include <algorithm>
 
 namespace quillane {
 
@@ -18,8 +19,9 @@ struct ProgramCall {
 
 class ProgramLog {
 public:
-    /// A program of that name that writes down its call and ends.
-    void Offer(const QByteArray& name) const
+    /// A program of that name that writes down its call; `then` is what it does next (lines of a
+    /// shell script).
+    void Offer(const QByteArray& name, const QByteArray& then = "exit 0") const
     {
         mFolder.MakeFolder(name + ".calls");
         mFolder.Write(name,
@@ -28,7 +30,8 @@ public:
                           + mFolder.Bytes(name)
                           + ".calls'/$$\n"
                             "printf '%s\\0' \"$PWD\" \"$@\" > \"$log.part\"\n"
-                            "exec /bin/mv \"$log.part\" \"$log\"\n");
+                            "/bin/mv \"$log.part\" \"$log\"\n"
+                          + then + "\n");
         mFolder.Chmod(name, 0755);
     }
     int CallCount(const QByteArray& name) const
@@ -56,6 +59,24 @@ public:
             call.arguments.removeLast(); // what follows the last end of text
         }
         return call;
+    }
+    /// The arguments of every call so far, each call's joined with '|', in the order of their text.
+    QList<QByteArray> Calls(const QByteArray& name) const
+    {
+        QList<QByteArray> calls;
+        ListFolder(mFolder.Path(name + ".calls"), [&](DirEntry&& entry) {
+            if (!entry.name.endsWith(QLatin1String(".part"))) {
+                QList<QByteArray> words =
+                    ReadWholeFile(mFolder.Path(name + ".calls") + u'/' + entry.name, 1 << 20)
+                        .split('\0');
+                words.removeFirst();
+                words.removeLast();
+                calls.append(words.join('|'));
+            }
+            return true;
+        });
+        std::sort(calls.begin(), calls.end());
+        return calls;
     }
     const TempFolder& Folder() const { return mFolder; }
 

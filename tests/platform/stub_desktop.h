@@ -45,7 +45,9 @@ private:
 struct ServiceCall {
     QString method;
     QVariantList arguments;
-    QByteArray file;     ///< path of the descriptor that came along
+    QByteArray file;               ///< path of the descriptor that came along
+    QList<QByteArray> attachments; ///< content of those that came in the options
+    QVariantMap options;
     QString requestPath; ///< where the portal must answer
 };
 
@@ -70,13 +72,17 @@ public:
 
     QList<ServiceCall> calls;
     bool refuses = false; ///< every call gets an error
+    bool ownPath = false; ///< it answers at a path of its own choice, after the reply
+    QStringList lacks;    ///< interfaces that it does not have
     /// The answer of the portal, sent ahead of the reply to the call; none when negative.
     int response = -1;
 
     QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override
     {
-        ServiceCall call{message.member(), message.arguments(), {}, {}};
+        ServiceCall call;
+        call.method = message.member();
+        call.arguments = message.arguments();
         if (call.arguments.size() > 1
             && call.arguments[1].userType() == qMetaTypeId<QDBusUnixFileDescriptor>()) {
             const int fd = call.arguments[1].value<QDBusUnixFileDescriptor>().fileDescriptor();
@@ -85,30 +91,50 @@ public:
             const ssize_t size = readlink(link.constData(), name, sizeof name);
             call.file = QByteArray(name, std::max<ssize_t>(size, 0));
         }
-        if (call.arguments.size() > 2) {
+        if (message.interface().startsWith("org.freedesktop.portal.")
+            && call.arguments.size() > 1) {
             QString sender = message.service().mid(1);
             sender.replace(u'.', u'_');
-            const auto options = qdbus_cast<QVariantMap>(call.arguments[2]);
+            call.options = qdbus_cast<QVariantMap>(call.arguments.constLast());
             call.requestPath = QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2")
-                                   .arg(sender, options.value("handle_token").toString());
+                                   .arg(sender,
+                                        ownPath ? QStringLiteral("old")
+                                                : call.options.value("handle_token").toString());
+            const auto attached =
+                qdbus_cast<QList<QDBusUnixFileDescriptor>>(call.options.value("attachment_fds"));
+            for (const QDBusUnixFileDescriptor& file : attached) {
+                QByteArray content(1 << 16, Qt::Uninitialized);
+                const ssize_t got =
+                    pread(file.fileDescriptor(), content.data(), size_t(content.size()), 0);
+                content.truncate(std::max<ssize_t>(got, 0));
+                call.attachments.append(content);
+            }
         }
         calls.append(call);
-        if (refuses) {
+        if (refuses || lacks.contains(message.interface())) {
             return connection.send(
                 message.createErrorReply("org.freedesktop.DBus.Error.Failed", "no"));
         }
-        if (response >= 0) {
-            QDBusMessage answer = QDBusMessage::createTargetedSignal(
-                message.service(), call.requestPath, "org.freedesktop.portal.Request", "Response");
-            answer.setArguments({uint(response), QVariantMap()});
-            connection.send(answer);
+        if (response >= 0 && !ownPath) {
+            Answer(call, message.service());
         }
         if (call.requestPath.isEmpty()) {
             return connection.send(message.createReply());
         }
-        return connection.send(
+        const bool sent = connection.send(
             message.createReply(QVariant::fromValue(QDBusObjectPath(call.requestPath))));
+        caller = message.service();
+        return sent;
     }
+    /// Sends the answer to a call whose caller still waits for it.
+    void Answer(const ServiceCall& call, const QString& to) const
+    {
+        QDBusMessage answer = QDBusMessage::createTargetedSignal(
+            to, call.requestPath, "org.freedesktop.portal.Request", "Response");
+        answer.setArguments({uint(response), QVariantMap()});
+        mBus.send(answer);
+    }
+    QString caller; ///< of the last call
 
 private:
     QString mService, mPath;

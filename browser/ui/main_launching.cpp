@@ -1,0 +1,93 @@
+// Commands of the main window that reach other programs, and its preferences.
+#include "browser/ui/frmBrowserMain.h"
+
+#include "browser/launching.h"
+#include "browser/map_road.h"
+#include "browser/ui/frmBrowserPreferences.h"
+#include "browser/ui/main_preferences.h"
+#include "browser/ui/send_album.h"
+#include "browser/wallpaper_road.h"
+
+#include <QPointer>
+
+namespace quillane {
+
+namespace {
+
+/// A line for a window that may have gone when there is something to tell.
+TellLine LineFor(frmBrowserMain* window)
+{
+    return [shown = QPointer<frmBrowserMain>(window)](const QString& line) {
+        if (shown) {
+            shown->Tell(line);
+        }
+    };
+}
+
+} // namespace
+
+void frmBrowserMain::ConnectLaunching()
+{
+    for (const char* name : {"mnuEmailImages", "mnuPopEmail"}) {
+        Command(name, [this] { SendImages(); });
+    }
+    for (const char* name : {"mnuWayfarix", "mnuPopWayfarix"}) {
+        Command(name, [this] { ShowOnMap(); });
+    }
+    Command("mnuPopSetWallpaper",
+            [this] { SetPhotoAsWallpaper(mSession.gsFileName, mPlatform, LineFor(this)); });
+    Command("mnuMainFilePreferences", [this] { ShowPreferences(); });
+}
+
+void frmBrowserMain::RunSlot(const CustomSlot& slot)
+{
+    RunCustomSlot(slot, mSession, mPlatform.launcher, LineFor(this));
+}
+
+void frmBrowserMain::ShowOnMap()
+{
+    const QPointer<frmBrowserMain> alive(this);
+    Launcher& launcher = mPlatform.launcher;
+    const MapCommand command =
+        MapRoad(mSession.gsFileName, mPlatform.places.ApplicationFolder(), mPlatform.loop);
+    if (alive) {
+        launcher.Run(command.program, command.arguments, {}, LineFor(this));
+    }
+}
+
+void frmBrowserMain::SendImages()
+{
+    SendImagesByMail(mSession, SelectedFlags(), mPlatform.mail,
+                     ShowMailFailure(mPlatform.dialogs, this));
+}
+
+void frmBrowserMain::ShowPreferences()
+{
+    MainPreferences target({*mViews, mScan, mSlots, mStore,
+                            [this](int style) {
+                                if (!mViews->ThumbnailsShown()) {
+                                    CheckView(style);
+                                }
+                            },
+                            [this] { ApplyCustomTools(); }});
+    frmBrowserPreferences preferences(
+        mSession, target, mPlatform.dialogs, [this] { return PickProgram(); }, this);
+    preferences.exec();
+}
+
+QString frmBrowserMain::PickProgram()
+{
+    FileDialogSpec spec;
+    spec.title = QStringLiteral("Select Custom Tool Path...");
+    spec.folder = mSession.exePath;
+    return mPlatform.dialogs.File(spec);
+}
+
+void frmBrowserMain::CheckView(int style)
+{
+    for (const ViewEntry& view : ViewEntries()) {
+        mMenus.SetChecked(QLatin1String(view.name), view.style == style);
+    }
+}
+
+} // namespace quillane
