@@ -1,6 +1,6 @@
 #include "album/album_model.h"
 
-#include "widgets/file_list_mime.h"
+#include "platform/file_list_mime.h"
 
 #include <QMimeData>
 #include <QSet>

@@ -145,9 +145,7 @@ int main(int argc, char** argv)
     FakePlatform fakes(folder);
     DesktopLoop loop;
     CountingView view;
-    FolderScan scan(session,
-                    {fakes.dialogs, loop, fakes.launcher, fakes.places, fakes.watch, fakes.scanner},
-                    view);
+    FolderScan scan(session, fakes.Services(loop), view);
     scan.SetSearchOn(true);
     scan.SetSearchSource([] {
         SearchQuestion question;

@@ -1,5 +1,6 @@
 #pragma once
 #include "platform/dialogs.h"
+#include "platform/file_service.h"
 #include "platform/fixed_places.h"
 #include "platform/folder_watch.h"
 #include "platform/launcher.h"
@@ -20,6 +21,7 @@ struct Platform {
     Scanner& scanner;
     WallpaperService& wallpaper;
     MailService& mail;
+    FileService& files;
 };
 
 } // namespace quillane

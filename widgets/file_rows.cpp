@@ -1,6 +1,7 @@
 #include "widgets/file_rows.h"
 
 #include "core/file_kinds.h"
+#include "core/paths.h"
 
 #include <algorithm>
 
@@ -56,6 +57,7 @@ QString SmallIconKey(FileKind kind)
 
 void FileRows::Clear()
 {
+    mTexts.clear();
     mRows.clear();
     mTags.clear();
     mFreeTags.clear();
@@ -83,9 +85,14 @@ void FileRows::RemoveAt(int row)
     }
 }
 
-void FileRows::SetPath(int row, const QString& path)
+void FileRows::SetPath(int row, const QString& path, const QString& shown)
 {
     if (Has(row)) {
+        mTexts.remove(Path(row));
+        mTexts.remove(path);
+        if (!shown.isEmpty()) {
+            mTexts.insert(path, shown);
+        }
         mRows[size_t(row)].path = path;
         mRows[size_t(row)].kind = FileKindOf(path);
     }
@@ -120,6 +127,13 @@ FileRow FileRows::Row(int row) const
     const Packed& packed = mRows[size_t(row)];
     return {packed.path, packed.size, packed.modifiedSeconds,
             packed.tags ? mTags[packed.tags - 1] : TagTexts{}};
+}
+
+QString FileRows::Text(int row) const
+{
+    const QString path = Path(row);
+    const auto text = mTexts.constFind(path);
+    return text == mTexts.cend() ? LeafName(path) : *text;
 }
 
 QString FileRows::Path(int row) const

@@ -1,5 +1,6 @@
 #pragma once
 // Rows of the file list: compact, their texts made when they are shown.
+#include <QHash>
 #include <QString>
 #include <QVector>
 #include <array>
@@ -36,7 +37,8 @@ public:
     void Append(const FileRow& row);                ///< at the end
     void InsertAt(int row, const FileRow& content); ///< before row; at the end for row == Count()
     void RemoveAt(int row);
-    void SetPath(int row, const QString& path);
+    /// shown: a text to show instead of the leaf name, empty for none.
+    void SetPath(int row, const QString& path, const QString& shown = {});
     void SetTags(int row, const TagTexts& tags);
     /// Row i becomes what row order[i] was.
     void Permute(const QVector<int>& order);
@@ -44,6 +46,7 @@ public:
     // Rows out of range have empty content.
     FileRow Row(int row) const;            ///< all of it
     QString Path(int row) const;           ///< full path
+    QString Text(int row) const;           ///< the name as shown
     qint64 Size(int row) const;            ///< bytes, negative when unknown
     qint64 ModifiedSeconds(int row) const; ///< since 1970, UTC; negative when unknown
     QString Tag(int row, int tag) const;   ///< tag 0 to 3
@@ -62,6 +65,7 @@ private:
     void DropTags(quint32 place);
 
     std::vector<Packed> mRows;
+    QHash<QString, QString> mTexts; ///< by path: what is shown where it is not the leaf name
     std::vector<TagTexts> mTags;
     std::vector<quint32> mFreeTags; ///< places in mTags that hold nothing any more
 };

@@ -4,7 +4,7 @@
 #include "core/failure.h"
 #include "core/paths.h"
 #include "platform/ui/command_connector.h"
-#include "widgets/file_list_mime.h"
+#include "platform/file_list_mime.h"
 
 #include <QApplication>
 #include <QClipboard>

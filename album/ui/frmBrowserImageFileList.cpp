@@ -4,7 +4,7 @@
 #include "album/album_menu.h"
 #include "core/settings_table.h"
 #include "platform/ui/command_connector.h"
-#include "widgets/file_list_mime.h"
+#include "platform/file_list_mime.h"
 
 #include <QApplication>
 #include <QClipboard>

@@ -51,7 +51,8 @@ frmBrowserMain::frmBrowserMain(Session& session, SettingsStore& store, Platform 
       mPreview(nullptr),
       mViews(nullptr),
       mSplitter(platform.dialogs),
-      mScan(session, platform, *this)
+      mScan(session, platform, *this),
+      mFiles(session, platform, *this)
 {
     setObjectName(QStringLiteral("frmBrowserMain"));
     setWindowIcon(QIcon(QStringLiteral(":/icons/quillane.svg")));

@@ -1,4 +1,5 @@
 #pragma once
+#include "browser/file_operation.h"
 #include "browser/folder_history.h"
 #include "browser/folder_trail.h"
 #include "browser/preview_loader.h"
@@ -28,7 +29,10 @@ namespace quillane {
 
 /// The program's one top-level window: loading it starts the system, unloading it ends it.
 /// Here is the wiring alone; what a command does stands in the classes it holds.
-class frmBrowserMain : public QMainWindow, public BrowserHost, private ScanView {
+class frmBrowserMain : public QMainWindow,
+                       public BrowserHost,
+                       private ScanView,
+                       private FileOperationView {
     Q_OBJECT
 public:
     frmBrowserMain(Session& session, SettingsStore& store, Platform platform,
@@ -60,9 +64,11 @@ public:
     void ShowFileBanner(const QString& fileName);
     /// Composes the preview of a file; what takes long follows when it is read.
     void ShowImageDescription(const QString& fileName);
+    /// Runs a file operation; see FileOperations.
+    QString FileOperation(qint16 op) { return mFiles.FileOperation(op); }
 
     /// Shows one quiet line in the status bar for some seconds.
-    void Tell(const QString& line) { mPanels.Tell(line); }
+    void Tell(const QString& line) override { mPanels.Tell(line); }
 
     MainMenus& Menus() { return mMenus; }
     cVSplitter& Splitter() { return mSplitter; }
@@ -107,7 +113,6 @@ private:
     void ShowOnMap();
     void SendImages();
     void ShowPreferences();
-    QString PickProgram();
     void CheckView(int style);
     void ChooseView(const ViewEntry& view);
     void OpenCurrent();
@@ -120,6 +125,14 @@ private:
     int ViewMode() const;
     void ShowFactsOf(const PreviewFacts& facts);
     void ShowPictureOf(const PreviewPicture& picture);
+
+    // What the file operations ask for.
+    void PickFolder(const QString& caption) override;
+    void PickProgram(const QString& caption) override;
+    void AskNewName() override;
+    void RunAlone(const std::function<void()>& work, const std::function<void()>& tick) override;
+    void FileRenamed(int position, const QString& path) override;
+    void MakeFileCurrent(int position) override;
 
     // What the scan fills.
     void ShowProgress(int maximum) override;
@@ -168,6 +181,7 @@ private:
     cVSplitter mSplitter;
     PreviewLoader mLoader;
     FolderScan mScan;
+    FileOperations mFiles;
     bool mClosing = false;
 };
 

@@ -9,8 +9,8 @@
 #include "core/export_list.h"
 #include "core/file_kinds.h"
 #include "core/paths.h"
+#include "platform/file_list_mime.h"
 #include "platform/ui/command_connector.h"
-#include "widgets/file_list_mime.h"
 #include "widgets/ui/scan_source_dialog.h"
 
 #include <QApplication>
@@ -76,6 +76,19 @@ void frmBrowserMain::ConnectMenus()
     Command("mnuPopAdd", [this] { AddSelectedToAlbum(); });
     Command("mnuPopShow", [this] { ShowAlbum(); });
     Command("mnuShowEditImageFileList", [this] { ShowAlbum(); });
+    const std::pair<const char*, FileOperationCode> operations[] = {
+        {"mnuDelete", kDeleteFiles}, {"mnuPopDelete", kDeleteFiles}, {"mnuCopy", kCopyFiles},
+        {"mnuPopCopy", kCopyFiles},  {"mnuMove", kMoveFiles},        {"mnuPopMove", kMoveFiles},
+        {"mnuRename", kRenameFile}};
+    for (const auto& [name, code] : operations) {
+        Command(name, [this, op = code] { FileOperation(op); });
+    }
+    Command("mnuPopRename", [this] {
+        FileOperation(kRenameFile);
+        if (mViews->ThumbnailsShown()) {
+            UpdateImageInImageList();
+        }
+    });
     Command("mnuHelpContents", [this] { SystemOpen(mPlatform.places.HelpFile()); });
     const std::pair<const char*, QString> pages[] = {{"mnuTechSupport", SupportPage()},
                                                      {"mnuOnlineTutorial", TutorialPage()},
@@ -179,6 +192,12 @@ void frmBrowserMain::ConnectKeys()
     auto* copy = new QShortcut(QKeySequence::Copy, mViews);
     copy->setContext(Qt::WidgetWithChildrenShortcut);
     connect(copy, &QShortcut::activated, this, &frmBrowserMain::CopyFileList);
+    // Where the files have the keyboard alone: the tree and the text boxes have their own.
+    auto* trash = new QShortcut(QKeySequence(Qt::Key_Delete), mViews);
+    trash->setContext(Qt::WidgetWithChildrenShortcut);
+    ConnectCommand(trash, &QShortcut::activated, this, mPlatform.dialogs,
+                   [this] { mFiles.TrashSelected(); });
+    key(QKeySequence::Undo, [this] { mFiles.BringBack(); });
     key(QKeySequence(Qt::CTRL | Qt::Key_D), [this] { mDirPath->setFocus(); });
 }
 

@@ -71,16 +71,8 @@ void frmBrowserMain::ShowPreferences()
                             },
                             [this] { ApplyCustomTools(); }});
     frmBrowserPreferences preferences(
-        mSession, target, mPlatform.dialogs, [this] { return PickProgram(); }, this);
+        mSession, target, mPlatform.dialogs, [this] { return FileOperation(kPickProgram); }, this);
     preferences.exec();
-}
-
-QString frmBrowserMain::PickProgram()
-{
-    FileDialogSpec spec;
-    spec.title = QStringLiteral("Select Custom Tool Path...");
-    spec.folder = mSession.exePath;
-    return mPlatform.dialogs.File(spec);
 }
 
 void frmBrowserMain::CheckView(int style)

@@ -1,6 +1,7 @@
 #include "browser/ui/window_makers.h"
 
 #include "album/ui/frmBrowserImageFileList.h"
+#include "browser/ui/send_album.h"
 #include "locator/ui/frmLocate.h"
 #include "metadata/ui/frmToolTagEdit.h"
 #include "platform/end_program.h"
@@ -26,7 +27,9 @@ void RegisterWindows(WindowRegistry& windows, Session& session, SettingsStore& s
         return new frmBrowserSearch(session, store, criteria, platform, host, owner);
     });
     tell("frmBrowserImageFileList", [&session, &store, platform, &host, owner] {
-        return new frmBrowserImageFileList(session, store, platform, &host, owner);
+        auto* album = new frmBrowserImageFileList(session, store, platform, &host, owner);
+        album->SetMailer(SendAlbumByMail(platform, album));
+        return album;
     });
     tell("frmLocate", [&session, platform, owner] {
         return new frmLocate(session, platform, EndProgramAtOnce, owner);

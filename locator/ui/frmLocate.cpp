@@ -4,7 +4,7 @@
 #include "locator/drives.h"
 #include "locator/ui/status_line.h"
 #include "platform/ui/command_connector.h"
-#include "widgets/file_list_mime.h"
+#include "platform/file_list_mime.h"
 #include "widgets/mounted_volumes.h"
 
 #include <QApplication>

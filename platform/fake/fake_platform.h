@@ -2,6 +2,7 @@
 // All services of the outside as a test holds them.
 #include "core/failure.h"
 #include "platform/fake/fake_dialogs.h"
+#include "platform/fake/fake_files.h"
 #include "platform/fake/fake_loop.h"
 #include "platform/fake/fake_scanner.h"
 #include "platform/platform.h"
@@ -94,9 +95,11 @@ private:
 struct FakePlatform {
     explicit FakePlatform(const QString& root) : places(root) { }
     /// All of them, as the windows are handed them.
-    Platform Services()
+    Platform Services() { return Services(loop); }
+    /// The same with a loop of the test's own.
+    Platform Services(UiLoop& ownLoop)
     {
-        return {dialogs, loop, launcher, places, watch, scanner, wallpaper, mail};
+        return {dialogs, ownLoop, launcher, places, watch, scanner, wallpaper, mail, files};
     }
 
     FakeDialogs dialogs;
@@ -107,6 +110,7 @@ struct FakePlatform {
     FakeScanner scanner;
     FakeWallpaper wallpaper;
     FakeMail mail;
+    FakeFiles files;
 };
 
 } // namespace quillane

@@ -6,6 +6,7 @@
 #include "platform/desktop/desktop_scanner.h"
 #include "platform/desktop/desktop_wallpaper.h"
 #include "platform/desktop/desktop_watch.h"
+#include "platform/desktop/file_service.h"
 #include "platform/platform.h"
 #include "platform/ui/desktop_dialogs.h"
 
@@ -16,7 +17,7 @@ struct DesktopPlatform {
     /// All of them, as the windows are handed them.
     Platform Services()
     {
-        return {dialogs, loop, launcher, places, watch, scanner, wallpaper, mail};
+        return {dialogs, loop, launcher, places, watch, scanner, wallpaper, mail, files};
     }
 
     DesktopDialogs dialogs;
@@ -27,6 +28,7 @@ struct DesktopPlatform {
     DesktopScanner scanner{places.ScanHelper()};
     DesktopWallpaper wallpaper;
     DesktopMail mail;
+    DesktopFileService files;
 };
 
 } // namespace quillane

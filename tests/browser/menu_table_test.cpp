@@ -184,7 +184,7 @@ TEST(MenuTable, NoTwoEntriesShareAKey)
     }
     EXPECT_EQ(owners.value(QStringLiteral("F5")), QStringLiteral("mnuRefresh"));
     EXPECT_EQ(owners.value(QStringLiteral("F2")), QStringLiteral("mnuRename"));
-    EXPECT_EQ(owners.value(QStringLiteral("Del")), QStringLiteral("mnuDelete"));
+    EXPECT_EQ(owners.value(QStringLiteral("Shift+Del")), QStringLiteral("mnuDelete"));
 }
 
 TEST(ToolBar, HasTenButtonsOfWhichTwoAreSeparators)

@@ -2,7 +2,7 @@
 #include "album/ui/frmBrowserImageFileList.h"
 #include "core/settings_table.h"
 #include "gui/viewer_window_fixture.h"
-#include "widgets/file_list_mime.h"
+#include "platform/file_list_mime.h"
 
 #include <QApplication>
 #include <QDropEvent>
@@ -33,10 +33,8 @@ protected:
 
     void Open()
     {
-        album = std::make_unique<frmBrowserImageFileList>(
-            session, store,
-            Platform{fakes.dialogs, loop, fakes.launcher, fakes.places, fakes.watch, fakes.scanner},
-            &albumHost);
+        album = std::make_unique<frmBrowserImageFileList>(session, store, fakes.Services(loop),
+                                                          &albumHost);
         album->setAttribute(Qt::WA_DeleteOnClose, false);
         album->show();
     }

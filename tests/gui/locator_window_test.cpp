@@ -3,7 +3,7 @@
 #include "locator/ui/frmLocate.h"
 #include "main_window_fixture.h"
 #include "platform/fake/fake_platform.h"
-#include "widgets/file_list_mime.h"
+#include "platform/file_list_mime.h"
 
 #include <QClipboard>
 #include <QGroupBox>

@@ -56,11 +56,7 @@ protected:
         main = std::make_unique<frmBrowserMain>(session, store, Services(), windows);
         main->Load();
     }
-    Platform Services()
-    {
-        return {fakes.dialogs, loop,          fakes.launcher,  fakes.places,
-                fakes.watch,   fakes.scanner, fakes.wallpaper, fakes.mail};
-    }
+    Platform Services() { return fakes.Services(loop); }
     /// No scan is running: its panel tells the count.
     bool Rested() const
     {

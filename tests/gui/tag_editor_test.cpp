@@ -32,10 +32,7 @@ protected:
     }
     void Open()
     {
-        window = std::make_unique<frmToolTagEdit>(session,
-                                                  Platform{fakes.dialogs, loop, fakes.launcher,
-                                                           fakes.places, fakes.watch, fakes.scanner,
-                                                           fakes.wallpaper, fakes.mail});
+        window = std::make_unique<frmToolTagEdit>(session, fakes.Services(loop));
         window->setAttribute(Qt::WA_DeleteOnClose, false);
         window->show();
     }

@@ -78,11 +78,7 @@ protected:
     void Make(const QString& file)
     {
         session.gsFileName = file;
-        window = std::make_unique<frmToolImageDisplay>(
-            session, store,
-            Platform{fakes.dialogs, loop, fakes.launcher, fakes.places, fakes.watch, fakes.scanner,
-                     fakes.wallpaper, fakes.mail},
-            &host);
+        window = std::make_unique<frmToolImageDisplay>(session, store, fakes.Services(loop), &host);
         window->setAttribute(Qt::WA_DeleteOnClose, false);
     }
     void Open(const QString& file)

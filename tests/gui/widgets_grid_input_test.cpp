@@ -1,6 +1,6 @@
 // Mouse and keyboard in the thumbnail grid.
 #include "gui/widgets_grid_fixture.h"
-#include "widgets/file_list_mime.h"
+#include "platform/file_list_mime.h"
 
 #include <QScrollBar>
 #include <QWheelEvent>

@@ -1,5 +1,5 @@
 #include "gui/widgets_support.h"
-#include "widgets/file_list_mime.h"
+#include "platform/file_list_mime.h"
 #include "widgets/ui/file_cells.h"
 #include "widgets/ui/file_list_view.h"
 

@@ -1,7 +1,7 @@
 // Mouse and keyboard of the cell view.
 #include "widgets/ui/cell_view.h"
 
-#include "widgets/file_list_mime.h"
+#include "platform/file_list_mime.h"
 
 #include <QApplication>
 #include <QContextMenuEvent>

@@ -90,7 +90,7 @@ QString FileCells::PathAt(int index) const
 
 QString FileCells::TextAt(int index) const
 {
-    return LeafName(mRows.Path(index));
+    return mRows.Text(index);
 }
 
 QString FileCells::ToolTipAt(int index) const

@@ -265,9 +265,9 @@ void FileListView::SortAgain()
     }
 }
 
-void FileListView::Rename(int row, const QString& path)
+void FileListView::Rename(int row, const QString& path, const QString& shown)
 {
-    mRows.SetPath(row, path);
+    mRows.SetPath(row, path, shown);
     mIcons->UpdateCell(row);
     mDetails->UpdateCell(row);
 }

@@ -43,7 +43,9 @@ public:
     void AddRows(const QVector<FileRow>& rows);
     void InsertAt(int row, const FileRow& content);
     void RemoveAt(int row);
-    void Rename(int row, const QString& path); ///< the file has another path now
+    /// The file has another path now. shown: a text to show instead of its leaf name, empty for
+    /// none.
+    void Rename(int row, const QString& path, const QString& shown = {});
     void SetTags(int row, const TagTexts& tags);
     FileRow Row(int row) const;
     QString PathAt(int row) const;

@@ -43,6 +43,7 @@ void ThumbnailGrid::Clear()
     mStore.Clear();
     mFailures.clear();
     mStock.clear();
+    mTexts.clear();
     mWanted.clear();
     CellsCleared();
 }
@@ -80,16 +81,22 @@ void ThumbnailGrid::RemoveAt(int index)
     if (Has(index)) {
         Forget(mCells[size_t(index)]);
         mStock.remove(mCells[size_t(index)].id);
+        mTexts.remove(mCells[size_t(index)].id);
         mCells.erase(mCells.begin() + index);
         CellsRemoved(index, 1);
         QueueWanted();
     }
 }
 
-void ThumbnailGrid::SetPath(int index, const QString& path)
+void ThumbnailGrid::SetPath(int index, const QString& path, const QString& shown)
 {
     if (Has(index)) {
-        mCells[size_t(index)].path = path;
+        Cell& cell = mCells[size_t(index)];
+        cell.path = path;
+        mTexts.remove(cell.id);
+        if (!shown.isEmpty()) {
+            mTexts.insert(cell.id, shown);
+        }
         UpdateCell(index);
         QueueWanted();
     }
@@ -116,6 +123,11 @@ QString ThumbnailGrid::PathAt(int index) const
 
 QString ThumbnailGrid::TextAt(int index) const
 {
+    if (Has(index)) {
+        if (const auto text = mTexts.constFind(mCells[size_t(index)].id); text != mTexts.cend()) {
+            return *text;
+        }
+    }
     return LeafName(PathAt(index));
 }
 

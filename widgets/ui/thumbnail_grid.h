@@ -29,7 +29,9 @@ public:
     void InsertBefore(int index, const QString& path, const QImage& picture = {},
                       QSize pixels = {});
     void RemoveAt(int index);
-    void SetPath(int index, const QString& path); ///< after a rename; the picture stays
+    /// After a rename: the picture stays. shown: a text to show instead of the new leaf name, empty
+    /// for none.
+    void SetPath(int index, const QString& path, const QString& shown = {});
     /// Cell i becomes what cell order[i] was; selection and current cell follow their files.
     void Reorder(const QVector<int>& order);
 
@@ -95,6 +97,7 @@ private:
     ThumbnailStore mStore;
     QHash<quint32, QString> mFailures;
     QHash<quint32, QIcon> mStock;
+    QHash<quint32, QString> mTexts; ///< of cells that show no leaf name
     QMultiHash<QString, quint32> mWanted;
     QSize mBox{100, 100};
     qint64 mBudget;

@@ -1,0 +1,55 @@
+#include "browser/ui/input_hold.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+
+namespace quillane {
+
+InputHold::InputHold()
+{
+    QCoreApplication::instance()->installEventFilter(this);
+}
+
+InputHold::~InputHold()
+{
+    QCoreApplication::instance()->removeEventFilter(this);
+    for (const QPointer<QWidget>& window : std::as_const(mToClose)) {
+        if (window) {
+            QMetaObject::invokeMethod(window, "close", Qt::QueuedConnection);
+        }
+    }
+}
+
+bool InputHold::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::Close: {
+        auto* window = qobject_cast<QWidget*>(watched);
+        if (!window || !event->spontaneous()) {
+            return false;
+        }
+        mToClose.append(window);
+        event->ignore();
+        return true;
+    }
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+    case QEvent::Shortcut:
+    case QEvent::ShortcutOverride:
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonRelease:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::Wheel:
+    case QEvent::ContextMenu:
+    case QEvent::DragEnter:
+    case QEvent::Drop:
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+        return true;
+    default:
+        return QObject::eventFilter(watched, event);
+    }
+}
+
+} // namespace quillane

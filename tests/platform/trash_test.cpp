@@ -1,0 +1,111 @@
+#include "platform/desktop/trash.h"
+
+#include "core/expect_failure.h"
+#include "core/temp_folder.h"
+
+namespace quillane {
+
+namespace {
+
+TEST(Trash, AFileGoesToTheHomeTrashWithItsNote)
+{
+    const TempFolder folder;
+    folder.Write("a b.jpg", "one");
+    const TrashedFile file = MoveToTrash(folder.Path("a b.jpg"), folder.Path("data/Trash"));
+    EXPECT_EQ(file.original, folder.Path("a b.jpg"));
+    EXPECT_EQ(file.trashed, folder.Path("data/Trash/files/a b.jpg"));
+    EXPECT_EQ(file.info, folder.Path("data/Trash/info/a b.jpg.trashinfo"));
+    const QByteArray note = folder.Content("data/Trash/info/a b.jpg.trashinfo");
+    EXPECT_TRUE(note.startsWith("[Trash Info]\nPath=/")) << note.constData();
+    EXPECT_TRUE(note.contains("/a%20b.jpg\nDeletionDate=2")) << note.constData();
+    EXPECT_EQ(folder.Entries(), QStringList("data"));
+}
+
+TEST(Trash, ANoteHasTheWholePathAndTheTime)
+{
+    EXPECT_EQ(TrashNote("/p/\xff%.jpg", QDateTime(QDate(2026, 1, 2), QTime(3, 4, 5))),
+              "[Trash Info]\nPath=/p/%FF%25.jpg\nDeletionDate=2026-01-02T03:04:05\n");
+}
+
+TEST(Trash, FilesOfOneNameStandSideBySideAndComeBack)
+{
+    const TempFolder folder;
+    const QString trash = folder.Path("Trash");
+    QVector<TrashedFile> files;
+    for (const char* content : {"one", "two", "three"}) {
+        folder.Write("x.tar.jpg", content);
+        files.append(MoveToTrash(folder.Path("x.tar.jpg"), trash));
+    }
+    EXPECT_EQ(files.at(2).trashed, folder.Path("Trash/files/x.tar 3.jpg"));
+    BringBackFromTrash(files.at(1));
+    EXPECT_EQ(folder.Content("x.tar.jpg"), "two");
+    // What stands there now is not replaced.
+    EXPECT_EQ(FailureOf([&] { BringBackFromTrash(files.at(0)); }), kFailureIo);
+    EXPECT_EQ(folder.Content("x.tar.jpg"), "two");
+    EXPECT_EQ(folder.Content("Trash/files/x.tar.jpg"), "one");
+    EXPECT_EQ(StatPath(files.at(1).info).type, FileType::Missing);
+    EXPECT_EQ(StatPath(files.at(0).info).type, FileType::Regular);
+}
+
+TEST(Trash, ALongNameIsCutAndComesBackWhole)
+{
+    const TempFolder folder;
+    const QByteArray name = QByteArray(251, 'n') + ".jpg";
+    folder.Write(name, "one");
+    const TrashedFile file = MoveToTrash(folder.Path(name), folder.Path("Trash"));
+    EXPECT_TRUE(file.trashed.endsWith("n.jpg"));
+    BringBackFromTrash(file);
+    EXPECT_EQ(folder.Content(name), "one");
+}
+
+TEST(Trash, AnotherVolumeHasItsOwn)
+{
+    const TempFolder home;
+    const TempFolder other("/dev/shm");
+    other.Write("x.jpg", "one");
+    const TrashedFile file = MoveToTrash(other.Path("x.jpg"), home.Path("Trash"));
+    EXPECT_TRUE(file.trashed.startsWith("/dev/shm/.Trash")) << file.trashed.toStdString();
+    const QByteArray note = ReadWholeFile(file.info, 4096);
+    EXPECT_TRUE(note.contains("Path=quillane-test-")) << note.constData();
+    BringBackFromTrash(file);
+    EXPECT_EQ(other.Content("x.jpg"), "one");
+    EXPECT_EQ(StatPath(file.info).type, FileType::Missing);
+}
+
+TEST(Trash, WhatIsGoneFailsAndNothingIsLeft)
+{
+    const TempFolder folder;
+    EXPECT_EQ(FailureOf([&] { MoveToTrash(folder.Path("gone"), folder.Path("Trash")); }),
+              kFailureNoFile);
+    folder.MakeFolder("sub");
+    folder.Write("sub/x.jpg", "one");
+    EXPECT_EQ(FailureOf([&] { MoveToTrash(folder.Path("sub"), folder.Path("Trash")); }),
+              kFailureIo);
+    const TrashedFile file = MoveToTrash(folder.Path("sub/x.jpg"), folder.Path("Trash"));
+    ASSERT_EQ(rmdir(folder.Bytes("sub").constData()), 0);
+    EXPECT_EQ(FailureOf([&] { BringBackFromTrash(file); }), kFailureNoFile);
+    EXPECT_EQ(folder.Content("Trash/files/x.jpg"), "one");
+    ASSERT_TRUE(RemoveFile(file.trashed));
+    folder.MakeFolder("sub");
+    EXPECT_EQ(FailureOf([&] { BringBackFromTrash(file); }), kFailureNoFile);
+}
+
+TEST(Trash, AFileOrALinkInTheTrashsPlaceIsNoTrash)
+{
+    const TempFolder folder;
+    folder.Write("x.jpg", "one");
+    folder.MakeFolder("Trash");
+    folder.MakeFolder("elsewhere");
+    folder.Link("../elsewhere", "Trash/files");
+    TrashedFile file;
+    ResumeNext([&] { file = MoveToTrash(folder.Path("x.jpg"), folder.Path("Trash")); });
+    EXPECT_EQ(StatPath(folder.Path("elsewhere/x.jpg")).type, FileType::Missing);
+    if (!file.trashed.isEmpty()) {
+        BringBackFromTrash(file); // there was one at the top of the volume
+    }
+    EXPECT_EQ(folder.Content("x.jpg"), "one");
+}
+
+} // namespace
+
+} // namespace quillane

@@ -1,0 +1,80 @@
+#include "widgets/ui/frmBrowse.h"
+
+#include "core/paths.h"
+#include "widgets/ui/folder_tree.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+namespace quillane {
+
+namespace {
+
+constexpr QSize kFirstSize{420, 480}; // pixels
+
+QPushButton* BrowseButton(const char* name, const QString& caption)
+{
+    auto* button = new QPushButton(caption);
+    button->setObjectName(QLatin1String(name));
+    button->setAutoDefault(false);
+    return button;
+}
+
+} // namespace
+
+frmBrowse::frmBrowse(Session& session, Dialogs& dialogs, const QString& home, QWidget* parent)
+    : QDialog(parent),
+      mSession(session),
+      mTree(new FolderTree(dialogs)),
+      mNewFolder(BrowseButton("cmdNewFolder", tr("&New Folder")))
+{
+    setObjectName(QStringLiteral("frmBrowse"));
+    setModal(true);
+    setSizeGripEnabled(true);
+    mTree->setObjectName(QStringLiteral("FolderView1"));
+    mTree->setAccessibleName(tr("Folders"));
+    mNewFolder->setToolTip(tr("Make a folder in the selected one"));
+
+    QPushButton* select = BrowseButton("cmdSelect", tr("&Select"));
+    select->setDefault(true);
+    QPushButton* cancel = BrowseButton("cmdCancel", tr("&Cancel"));
+    connect(select, &QPushButton::clicked, this, &QDialog::accept);
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(mNewFolder, &QPushButton::clicked, this, [this] { mTree->NewFolder(true); });
+    connect(mTree, &FolderTree::nodeSelected, this,
+            [this](const QString&, const QString& path) { NodeSelected(path); });
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(mNewFolder);
+    buttons->addStretch();
+    buttons->addWidget(select);
+    buttons->addWidget(cancel);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(mTree, 1);
+    layout->addLayout(buttons);
+    resize(kFirstSize);
+    mTree->setFocus();
+    mTree->Select(session.browsePath.isEmpty() ? WithoutSeparator(home)
+                                               : WithoutSeparator(session.browsePath));
+}
+
+void frmBrowse::PickFiles(const QString& selected)
+{
+    mTree->SetShowFiles(true);
+    mTree->setAccessibleName(tr("Folders and files"));
+    mNewFolder->setEnabled(false);
+    mTree->Select(selected);
+}
+
+void frmBrowse::NodeSelected(const QString& path)
+{
+    mSession.browsePath = IsDriveRoot(path) ? path : path + SeparatorOf(path);
+}
+
+void frmBrowse::reject()
+{
+    mSession.browsePath.clear();
+    QDialog::reject();
+}
+
+} // namespace quillane
