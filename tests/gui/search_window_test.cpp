@@ -3,6 +3,7 @@
 #include "core/paths.h"
 #include "gui/main_window_fixture.h"
 #include "gui/modal_dialog.h"
+#include "gui/widgets_support.h"
 #include "search/tagged_gif.h"
 #include "search/ui/frmBrowserSearch.h"
 
@@ -133,6 +134,67 @@ TEST_F(SearchWindowTest, EachControlIsReachedByTabAndHasWords)
                                 "txtNumericInfoHigh(0)", "chkNumeric(3)", "chkCharacter(0)",
                                 "txtCharacterInfo(3)", "cmdReset", "cmdOkay", "cmdCancel"}));
     });
+}
+
+TEST_F(SearchWindowTest, EachLetterOfTheKeyboardLeadsToOneControl)
+{
+    Start();
+    InSearch([&](QDialog& dialog) {
+        ExpectOwnMnemonics(dialog);
+        QTest::keyClick(&dialog, Qt::Key_5, Qt::AltModifier);
+        EXPECT_TRUE(In<QCheckBox>(dialog, "chkCharacter(0)")->isChecked());
+    });
+}
+
+TEST_F(SearchWindowTest, ACheckAndAnOptionCountAtOnceAndTheTextsAtTheEnd)
+{
+    Start();
+    SearchCriteria criteria;
+    frmBrowserSearch window(session, store, criteria, Services(), *main);
+    window.setAttribute(Qt::WA_DeleteOnClose, false);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    for (size_t i = 0; i < 4; ++i) {
+        const QByteArray index = "(" + QByteArray::number(int(i)) + ")";
+        Check(window, ("chkNumeric" + index).constData());
+        EXPECT_EQ(criteria.searchNumeric[i].checked, kTrue);
+        Check(window, ("chkCharacter" + index).constData());
+        EXPECT_EQ(criteria.searchCharacter[i].checked, kTrue);
+        Check(window, ("chkNumeric" + index).constData());
+        EXPECT_EQ(criteria.searchNumeric[i].checked, kFalse);
+    }
+    Choose(window, "mnuMatchCase");
+    EXPECT_TRUE(session.matchCase);
+    Choose(window, "mnuMatchWord");
+    EXPECT_TRUE(session.matchWord);
+    Choose(window, "mnuMatchCase");
+    EXPECT_FALSE(session.matchCase);
+    Retype(Box(window, "txtCharacterKeyword(3)"), "City");
+    Retype(Box(window, "txtCharacterInfo(3)"), " Rome ");
+    EXPECT_TRUE(criteria.searchCharacter[3].keyword.isEmpty());
+    window.close();
+    EXPECT_EQ(criteria.searchCharacter[3].keyword, "City");
+    EXPECT_EQ(criteria.searchCharacter[3].text, " Rome ");
+    EXPECT_EQ(Stored("searchCharacter(i).String3"), " Rome ");
+    EXPECT_EQ(Stored("matchWord"), "True");
+}
+
+TEST_F(SearchWindowTest, ACheckedRowWithoutTextsTakesPartWithAnEmptyKeyword)
+{
+    Cameras();
+    Start();
+    InSearch([&](QDialog& dialog) {
+        Check(dialog, "chkNumeric(0)");
+        Press(dialog, "cmdOkay");
+    });
+    EXPECT_EQ(main->Panel(3), "0 of 5 Files");
+    // Where a whole value is asked for, the missing one equals the empty text.
+    InSearch([&](QDialog& dialog) {
+        Check(dialog, "chkCharacter(0)");
+        Choose(dialog, "mnuMatchWord");
+        Press(dialog, "cmdOkay");
+    });
+    EXPECT_EQ(main->Panel(3), "4 of 5 Files");
 }
 
 TEST_F(SearchWindowTest, ASearchShowsTheFilesInTheRangeInBothModes)
@@ -290,6 +352,47 @@ TEST_F(SearchWindowTest, CancelTurnsARunningSearchOffAndLeavesTheView)
     EXPECT_EQ(Grid()->Count(), 2);
     Click("mnuRefresh");
     EXPECT_EQ(session.lbFilTiffs.size(), 5);
+    EXPECT_EQ(main->Panel(1), "");
+    EXPECT_EQ(main->Panel(2), "");
+}
+
+TEST_F(SearchWindowTest, TheSwitchMayBeTurnedInTheMiddleOfItsScan)
+{
+    for (int i = 0; i < 400; ++i) {
+        Tagged(QStringLiteral("%1.gif").arg(i), "ISO=100");
+    }
+    Picture(QStringLiteral("e.bmp"));
+    Start();
+    for (const char* view : {"mnuMainViewTileBoxTileImage", "mnuMainViewTileBoxTileFilename3"}) {
+        Click(view);
+        QTimer::singleShot(0, main.get(), [this] { Click("mnuSearchOn"); });
+        Click("mnuSearchOn");
+        Until([this] { return !Entry("mnuSearchOn")->isChecked() && Rested(); });
+        EXPECT_EQ(session.lbFilTiffs.size(), 401);
+        EXPECT_FALSE(session.gSearchActive);
+        EXPECT_EQ(main->Panel(1), "");
+        EXPECT_EQ(main->Panel(2), "");
+    }
+}
+
+TEST_F(SearchWindowTest, TheProgramMayEndInTheMiddleOfASearchAndInItsWindow)
+{
+    for (int i = 0; i < 400; ++i) {
+        Tagged(QStringLiteral("%1.gif").arg(i), "ISO=100");
+    }
+    Start();
+    QTimer::singleShot(0, main.get(), [this] { main->close(); });
+    Click("mnuSearchOn");
+    Until([this] { return !main->isVisible(); });
+    windows.DestroyAll();
+    main.reset();
+
+    StartBare();
+    InSearch([&](QDialog& dialog) {
+        TypeRange(dialog, "1", "2");
+        main->close();
+    });
+    EXPECT_FALSE(session.gSearchActive);
 }
 
 TEST_F(SearchWindowTest, ClosingByTheFrameKeepsARunningSearchAndScansAgain)
