@@ -101,7 +101,9 @@ void LocatorSearch::Stop()
         return;
     }
     const std::shared_ptr<Shared> shared = mShared;
-    shared->stopped = true;
+    if (shared->stopped.exchange(true)) {
+        return; // asked by a listener in the middle of it
+    }
     Tell();
     if (shared != mShared) { // a listener has ended it
         return;

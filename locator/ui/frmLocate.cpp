@@ -67,7 +67,7 @@ frmLocate::~frmLocate()
 
 void frmLocate::BuildMenu()
 {
-    QMenu* file = menuBar()->addMenu(tr("&File"));
+    QMenu* file = menuBar()->addMenu(tr("F&ile")); // Alt+F is the button's
     file->setObjectName(QStringLiteral("mnuFile"));
     file->setToolTipsVisible(true);
     QAction* exit = file->addAction(QStringLiteral("E&xit"));

@@ -1,4 +1,5 @@
 // The search window, and the road from the main window through it to the views.
+#include "browser/ui/status_panels.h"
 #include "core/failure.h"
 #include "core/paths.h"
 #include "gui/main_window_fixture.h"
@@ -141,8 +142,13 @@ TEST_F(SearchWindowTest, EachLetterOfTheKeyboardLeadsToOneControl)
     Start();
     InSearch([&](QDialog& dialog) {
         ExpectOwnMnemonics(dialog);
-        QTest::keyClick(&dialog, Qt::Key_5, Qt::AltModifier);
-        EXPECT_TRUE(In<QCheckBox>(dialog, "chkCharacter(0)")->isChecked());
+        for (int i = 0; i < 4; ++i) {
+            const QByteArray index = "(" + QByteArray::number(i) + ")";
+            EXPECT_EQ(In<QCheckBox>(dialog, ("chkNumeric" + index).constData())->shortcut(),
+                      QKeySequence(Qt::ALT | Qt::Key(Qt::Key_1 + i)));
+            EXPECT_EQ(In<QCheckBox>(dialog, ("chkCharacter" + index).constData())->shortcut(),
+                      QKeySequence(Qt::ALT | Qt::Key(Qt::Key_5 + i)));
+        }
     });
 }
 
@@ -212,6 +218,11 @@ TEST_F(SearchWindowTest, ASearchShowsTheFilesInTheRangeInBothModes)
     EXPECT_EQ(main->Panel(1), "Search = ON");
     EXPECT_EQ(main->Panel(2), "Search Found:");
     EXPECT_EQ(main->Panel(3), "2 of 5 Files");
+    for (const char* name : {"StatusBar1_1", "StatusBar1_2", "StatusBar1_3"}) {
+        const auto* panel = Find<StatusPanel>(name);
+        EXPECT_LT(panel->fontMetrics().horizontalAdvance(panel->Text()), panel->width() - 12)
+            << name;
+    }
     Click("mnuMainViewTileBoxTileFilename3");
     EXPECT_EQ(Shown(), Names({"a.gif", "b.gif"}));
     EXPECT_EQ(main->Panel(3), "2 of 5 Files");
@@ -365,7 +376,8 @@ TEST_F(SearchWindowTest, TheSwitchMayBeTurnedInTheMiddleOfItsScan)
     Start();
     for (const char* view : {"mnuMainViewTileBoxTileImage", "mnuMainViewTileBoxTileFilename3"}) {
         Click(view);
-        QTimer::singleShot(0, main.get(), [this] { Click("mnuSearchOn"); });
+        QMetaObject::invokeMethod(
+            main.get(), [this] { Click("mnuSearchOn"); }, Qt::QueuedConnection);
         Click("mnuSearchOn");
         Until([this] { return !Entry("mnuSearchOn")->isChecked() && Rested(); });
         EXPECT_EQ(session.lbFilTiffs.size(), 401);
@@ -381,7 +393,8 @@ TEST_F(SearchWindowTest, TheProgramMayEndInTheMiddleOfASearchAndInItsWindow)
         Tagged(QStringLiteral("%1.gif").arg(i), "ISO=100");
     }
     Start();
-    QTimer::singleShot(0, main.get(), [this] { main->close(); });
+    QMetaObject::invokeMethod(
+        main.get(), [this] { main->close(); }, Qt::QueuedConnection);
     Click("mnuSearchOn");
     Until([this] { return !main->isVisible(); });
     windows.DestroyAll();

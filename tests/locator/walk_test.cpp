@@ -383,7 +383,7 @@ TEST_F(FindFilesTest, PatternsOfAnyLengthAndNumberAreAnsweredAtOnce)
     // What a matcher with stars in the middle would never come to an end of.
     EXPECT_EQ(Find(QByteArray("a*").repeated(5000) + "b").rows, 0);
     EXPECT_EQ(Find("*" + QByteArray("a*").repeated(20) + "b*").rows, 0);
-    EXPECT_EQ(Find(QByteArray(30'000, '*')).rows, 0); // as long as that is the text between the two
+    EXPECT_EQ(Find(QByteArray(30'000, '*')).rows, 200); // all are cut off
     EXPECT_EQ(Find(QByteArray(30'000, ';')).rows, 0);
     EXPECT_EQ(Find("*" + QByteArray(30'000, 'a')).rows, 0);
     const FindResult result = Find(QByteArray("*q;").repeated(8000) + "*");
