@@ -40,12 +40,15 @@ struct LocatorSearch::Shared : FindSink {
     }
     void AddFound(const QString& path, std::vector<FoundFile>&& files) override
     {
-        const std::lock_guard lock(mutex);
+        std::vector<Batch> parts;
+        parts.reserve(files.size() / kFilesOfABatch + 1);
         for (size_t from = 0; from < files.size(); from += kFilesOfABatch) {
             const auto begin = std::make_move_iterator(files.begin() + qsizetype(from));
             const size_t count = std::min(kFilesOfABatch, files.size() - from);
-            batches.push_back({path, {begin, begin + qsizetype(count)}});
+            parts.push_back({path, {begin, begin + qsizetype(count)}});
         }
+        const std::lock_guard lock(mutex);
+        std::move(parts.begin(), parts.end(), std::back_inserter(batches));
     }
     bool IncludesSubfolders() override { return subfolders; }
     bool SearchStopped() override { return stopped; }
