@@ -103,6 +103,14 @@ TEST_F(LocatorWindowTest, HasItsWordsAndBeginsInTheBrowsersFolder)
     EXPECT_EQ(fakes.loop.HourglassDepth(), 0);
 }
 
+TEST_F(LocatorWindowTest, TheCaptionGetsItsLetterWhenTheWindowOpens)
+{
+    const frmLocate closed(session, fakes.Services(), [] {});
+    EXPECT_EQ(closed.findChild<QPushButton*>(QStringLiteral("cmdAction(0)"))->text(), "Find Files");
+    Open();
+    EXPECT_EQ(Button("cmdAction(0)")->text(), "&Find Files");
+}
+
 TEST_F(LocatorWindowTest, EachLetterOfTheKeyboardLeadsToOneControl)
 {
     Open();

@@ -115,6 +115,16 @@ TEST_F(FindFilesTest, LeavesFoldersBelowAloneWhenNotAskedForThem)
     EXPECT_EQ(sink.rows, Paths({"x2"}));
 }
 
+TEST_F(FindFilesTest, WhetherFoldersBelowAreSearchedIsAskedForEachFolder)
+{
+    folder.MakeFolder("a");
+    folder.MakeFolder("a/deep");
+    folder.MakeFolder("b");
+    sink.onFolder = [&](const QString& path) { sink.deep = !path.endsWith(u"/a/"); };
+    Find("x*");
+    EXPECT_EQ(Dirs, Paths({"", "a/", "b/"}));
+}
+
 TEST_F(FindFilesTest, TheFolderMayBeGivenWithoutItsSeparator)
 {
     folder.Write("x1");
