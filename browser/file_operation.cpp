@@ -117,10 +117,11 @@ void FileOperations::TrashSelected()
         return;
     }
     const int first = files.first().position;
+    const QString folder = mSession.gsPath;
     const WalkResult result = Walk(WalkKind::Trash);
     mView.RefreshFiles();
     // The next file is looked at, as after one that was put aside.
-    if (!mSession.lbFilTiffs.isEmpty()) {
+    if (!mSession.lbFilTiffs.isEmpty() && mSession.gsPath == folder) {
         mView.MakeFileCurrent(std::min(first, int(mSession.lbFilTiffs.size()) - 1));
     }
     mView.Tell(WalkLine(WalkKind::Trash, result));
@@ -170,7 +171,7 @@ void FileOperations::BringBack()
 void FileOperations::RenameCurrent()
 {
     const QString old = mSession.gsFileName;
-    if (old.isEmpty() || !old.startsWith(WithSeparator(mSession.gsPath))) {
+    if (old.isEmpty() || FolderOf(old) != WithSeparator(mSession.gsPath)) {
         mView.Tell(OperationText("There is no current file in this folder to give another name."));
         return;
     }
@@ -178,6 +179,12 @@ void FileOperations::RenameCurrent()
     mPlatform.loop.ProcessEvents();
     const QString fresh = mSession.gsNewName;
     if (fresh.isEmpty() || fresh == old) {
+        return;
+    }
+    // A name that holds a separator, or a folder without one at its end: elsewhere.
+    if (FolderOf(fresh) != FolderOf(old) || LeafName(fresh).isEmpty()) {
+        mView.Tell(OperationText("%1 stays as it is: a rename leaves a file in its folder.")
+                       .arg(ShownName(old)));
         return;
     }
     try {

@@ -146,6 +146,9 @@ QString WalkLine(WalkKind kind, const WalkResult& result)
     }
     QString line =
         WalkText("%1 of %2 %3.").arg(result.done).arg(FilesInWords(result.total), DoneWords(kind));
+    if (!result.firstFailed.isEmpty()) {
+        line += u' ' + WalkText("First failed: %1").arg(result.firstFailed);
+    }
     if (result.trashedInstead > 0) {
         line += u' '
             + WalkText("%1 could not be copied and went to the trash.")
@@ -153,9 +156,6 @@ QString WalkLine(WalkKind kind, const WalkResult& result)
     }
     if (!result.trashed.isEmpty()) {
         line += u' ' + WalkText("Ctrl+Z brings back what is in the trash.");
-    }
-    if (!result.firstFailed.isEmpty()) {
-        line += u' ' + WalkText("First failed: %1").arg(result.firstFailed);
     }
     return line;
 }

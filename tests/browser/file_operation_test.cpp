@@ -130,8 +130,8 @@ TEST_F(FileOperationTest, AMoveWhoseCopyFailsEndsInTheTrashAndComesBack)
     EXPECT_FALSE(Left().contains("/p/a.jpg"));
     EXPECT_TRUE(Left().contains("/t/c.jpg"));
     EXPECT_EQ(line,
-              "1 of 2 files moved. 1 file could not be copied and went to the trash. Ctrl+Z "
-              "brings back what is in the trash. First failed: The disk is full.");
+              "1 of 2 files moved. First failed: The disk is full. 1 file could not be copied and "
+              "went to the trash. Ctrl+Z brings back what is in the trash.");
     operations.BringBack();
     EXPECT_TRUE(Left().contains("/p/a.jpg"));
     EXPECT_EQ(line, "1 of 1 file brought back from the trash.");
