@@ -171,7 +171,7 @@ void FileOperations::BringBack()
 void FileOperations::RenameCurrent()
 {
     const QString old = mSession.gsFileName;
-    if (old.isEmpty() || FolderOf(old) != WithSeparator(mSession.gsPath)) {
+    if (old.isEmpty() || !old.startsWith(WithSeparator(mSession.gsPath))) {
         mView.Tell(OperationText("There is no current file in this folder to give another name."));
         return;
     }
@@ -181,10 +181,11 @@ void FileOperations::RenameCurrent()
     if (fresh.isEmpty() || fresh == old) {
         return;
     }
-    // A name that holds a separator, or a folder without one at its end: elsewhere.
-    if (FolderOf(fresh) != FolderOf(old) || LeafName(fresh).isEmpty()) {
-        mView.Tell(OperationText("%1 stays as it is: a rename leaves a file in its folder.")
-                       .arg(ShownName(old)));
+    // The name may hold a separator, or the folder have none at its end to join a name to.
+    if (FolderOf(fresh) != WithSeparator(mSession.gsPath) || LeafName(fresh).isEmpty()) {
+        mView.Tell(
+            OperationText("%1 keeps its name: the new one is none of a file in this folder.")
+                .arg(ShownName(old)));
         return;
     }
     try {

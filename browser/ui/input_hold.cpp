@@ -46,6 +46,10 @@ bool InputHold::eventFilter(QObject* watched, QEvent* event)
     case QEvent::TouchBegin:
     case QEvent::TouchUpdate:
     case QEvent::TouchEnd:
+    case QEvent::TabletPress:
+    case QEvent::TabletRelease:
+    case QEvent::NativeGesture:
+    case QEvent::InputMethod:
         return true;
     default:
         return QObject::eventFilter(watched, event);

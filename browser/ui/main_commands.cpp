@@ -387,6 +387,9 @@ int frmBrowserMain::ViewMode() const
 
 void frmBrowserMain::RefreshFiles()
 {
+    if (mClosing) {
+        return; // nobody will see it
+    }
     const Hourglass busy(mPlatform.loop);
     BrowseImages(ViewMode());
 }
@@ -408,6 +411,7 @@ void frmBrowserMain::ShowFiles(const QVector<QString>& paths)
             mViews->AddCell(path, {});
         }
         mViews->FinishGrid();
+        UpdateFileMenu();
         return;
     }
     mViews->ClearRows(mSession.gsFileKeyword);
@@ -416,6 +420,7 @@ void frmBrowserMain::ShowFiles(const QVector<QString>& paths)
         mViews->AddRow({path, stat.size, stat.modifiedSeconds});
     }
     mViews->FinishRows();
+    UpdateFileMenu();
 }
 
 void frmBrowserMain::ChooseView(const ViewEntry& view)

@@ -57,6 +57,8 @@ void frmBrowserMain::MakeFileCurrent(int position)
 {
     const QSignalBlocker quiet(mViews);
     if (mViews->ThumbnailsShown()) {
+        mViews->Grid()->SelectAll(false);
+        mViews->Grid()->SetSelected(position, true);
         mViews->Grid()->MakeCurrent(position);
     } else {
         mViews->List()->MakeCurrent(position);

@@ -18,6 +18,7 @@ namespace quillane {
 namespace {
 
 constexpr int kKilled = 7;
+constexpr int kThrown = 9;
 constexpr qsizetype kBig = 1 << 20;    // bytes
 constexpr rlim_t kLittle = 256 * 1024; // bytes that there is room for
 
@@ -48,19 +49,40 @@ template <typename Work> int InChildProcess(Work&& work)
     const pid_t child = fork();
     EXPECT_GE(child, 0);
     if (child == 0) {
-        _exit(work());
+        int code = kThrown;
+        try {
+            code = work();
+        } catch (const Failure& failure) {
+            std::fprintf(stderr, "%s\n", qPrintable(failure.Description()));
+        }
+        _exit(code);
     }
     int status = -1;
     EXPECT_EQ(waitpid(child, &status, 0), child);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
 }
 
+bool Tell(const char* path, const QByteArray& text)
+{
+    const FileHandle file(open(path, O_WRONLY | O_CLOEXEC));
+    return write(file.Fd(), text.constData(), size_t(text.size())) == text.size();
+}
+
+/// Whether this process has a view of the mounted volumes of its own now.
+bool LeaveOthersVolumesAlone()
+{
+    const QByteArray user = "0 " + QByteArray::number(geteuid()) + " 1";
+    const QByteArray group = "0 " + QByteArray::number(getegid()) + " 1";
+    return unshare(CLONE_NEWNS) == 0
+        || (unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0 && Tell("/proc/self/uid_map", user)
+            && Tell("/proc/self/setgroups", "deny") && Tell("/proc/self/gid_map", group));
+}
+
 /// Makes the folder a volume of its own with little room; where that is not allowed no file of this
 /// process may be larger than that.
 bool MakeSmall(const QByteArray& folder)
 {
-    const bool apart = unshare(CLONE_NEWNS) == 0 || unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0;
-    if (apart && mount("", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0
+    if (LeaveOthersVolumesAlone() && mount("", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0
         && mount("tmpfs", folder.constData(), "tmpfs", 0, "size=256k") == 0) {
         return true;
     }
