@@ -25,10 +25,12 @@ bool InputHold::eventFilter(QObject* watched, QEvent* event)
     switch (event->type()) {
     case QEvent::Close: {
         auto* window = qobject_cast<QWidget*>(watched);
-        if (!window || !event->spontaneous()) {
+        if (!window) {
             return false;
         }
-        mToClose.append(window);
+        if (!mToClose.contains(window)) {
+            mToClose.append(window);
+        }
         event->ignore();
         return true;
     }

@@ -9,12 +9,10 @@
 #include "core/export_list.h"
 #include "core/file_kinds.h"
 #include "core/paths.h"
-#include "platform/file_list_mime.h"
 #include "platform/ui/command_connector.h"
 #include "widgets/ui/scan_source_dialog.h"
 
 #include <QApplication>
-#include <QClipboard>
 #include <QDialog>
 #include <QLineEdit>
 #include <QPointer>
@@ -230,15 +228,6 @@ void frmBrowserMain::Tool(int index)
         break;
     default:
         break;
-    }
-}
-
-void frmBrowserMain::UpdateFileMenu()
-{
-    const bool any = FileEntriesEnabled(mSession);
-    for (const char* name : {"mnuEmailImages", "mnuDelete", "mnuCopy", "mnuMove", "mnuRename",
-                             "mnuMainFilePageSetup"}) {
-        mMenus.SetEnabled(QLatin1String(name), any);
     }
 }
 
@@ -466,14 +455,6 @@ void frmBrowserMain::OpenCurrent()
             ShowFile(mSession.gsFileName);
         }
         break;
-    }
-}
-
-void frmBrowserMain::CopyFileList()
-{
-    const QStringList paths = mViews->SelectedPaths();
-    if (!paths.isEmpty()) {
-        QApplication::clipboard()->setMimeData(FileListMimeData(paths));
     }
 }
 

@@ -1,4 +1,5 @@
 #pragma once
+#include "core/paths.h"
 #include "gui/main_window_fixture.h"
 #include "gui/modal_dialog.h"
 #include "platform/desktop/file_service.h"
@@ -76,6 +77,9 @@ protected:
     QString Line() const { return main->statusBar()->currentMessage(); }
     void Key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) const
     {
+        // A box that has gone does not hand the keyboard back at once.
+        main->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(main.get()));
         QTest::keyClick(main->focusWidget(), key, modifiers);
     }
     void SelectCells(const QVector<int>& cells) const

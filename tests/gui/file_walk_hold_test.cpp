@@ -2,7 +2,6 @@
 // window that is to be closed closes afterwards.
 #include "file_operations_fixture.h"
 
-#include <QEventLoop>
 #include <QThread>
 #include <atomic>
 
@@ -106,10 +105,10 @@ TEST_F(FileWalkHoldTest, AWindowThatIsClosedMeanwhileClosesWhenAllIsDone)
 TEST_F(FileWalkHoldTest, ExitMeanwhileEndsTheProgramWhenAllIsDone)
 {
     StartActive(3);
-    QEventLoop program;
-    QTimer::singleShot(
-        0, &program, [&] { InWalk([this] { TrashAll(); }, [this] { Click("mnuMainFIleExit"); }); });
-    program.exec(); // ends with the window
+    QMetaObject::invokeMethod(
+        main.get(), [&] { InWalk([this] { TrashAll(); }, [this] { Click("mnuMainFIleExit"); }); },
+        Qt::QueuedConnection);
+    QApplication::exec(); // ends with the window
     EXPECT_EQ(InTrash(), 3);
     EXPECT_FALSE(main->isVisible());
     EXPECT_FALSE(Exists(File(0)));
@@ -118,11 +117,12 @@ TEST_F(FileWalkHoldTest, ExitMeanwhileEndsTheProgramWhenAllIsDone)
 TEST_F(FileWalkHoldTest, AQuitMeanwhileLosesNothing)
 {
     StartActive(3);
-    QEventLoop program;
-    QTimer::singleShot(0, &program,
-                       [&] { InWalk([this] { TrashAll(); }, [] { QCoreApplication::quit(); }); });
-    program.exec();
+    QMetaObject::invokeMethod(
+        main.get(), [&] { InWalk([this] { TrashAll(); }, [] { QCoreApplication::quit(); }); },
+        Qt::QueuedConnection);
+    QApplication::exec();
     EXPECT_EQ(InTrash(), 3);
+    EXPECT_FALSE(main->isVisible());
 }
 
 TEST_F(FileWalkHoldTest, AFolderThatDisappearsMeanwhileEndsInWords)
