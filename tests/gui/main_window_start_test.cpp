@@ -207,7 +207,7 @@ TEST_F(MainWindowTest, EntriesThatAreNotBuiltAreDisabledAndSaySo)
     }
     EXPECT_GT(counted, 10);
     Q_EMIT main->Menus().Menu(QStringLiteral("mnuMainFile"))->aboutToShow();
-    EXPECT_FALSE(Entry("mnuMainFilePageSetup")->isEnabled());
+    EXPECT_FALSE(Entry("mnuDelete")->isEnabled());
 }
 
 TEST_F(MainWindowTest, CustomSlotsAreInTheMenusExactlyWhenActive)
