@@ -3,6 +3,7 @@
 #include "core/atomic_save.h"
 #include "core/failure.h"
 #include "core/file_attributes.h"
+#include "core/paths.h"
 #include "core/posix_error.h"
 #include "core/save_journal.h"
 
@@ -25,10 +26,31 @@ constexpr qsizetype kHandful = 256 * 1024;       // bytes, where they go through
 constexpr int kCopyNameTries = 16;
 constexpr mode_t kPermissions = 0777;
 
+QString CopyAdvice(int error)
+{
+    switch (error) {
+    case ENOSPC:
+    case EDQUOT:
+        return QStringLiteral("Make room there, or choose another folder.");
+    case ENAMETOOLONG:
+        return QStringLiteral("Give it a shorter name.");
+    case EMFILE:
+    case ENFILE:
+        return WriteAdvice(error);
+    default:
+        return QStringLiteral("Choose another folder.");
+    }
+}
+
 [[noreturn]] void CopyFailed(int error, const QString& to)
 {
-    const Failure reason = FailureFromErrno(error, QStringLiteral("write"), to);
-    throw Failure(reason.Number(), reason.Description() + u' ' + WriteAdvice(error));
+    if (error == ENOENT || error == ENOTDIR) {
+        throw Failure(kFailureNoFile,
+                      QStringLiteral("Cannot copy %1: there is no folder %2 any more.")
+                          .arg(ShownName(to), ShownName(FolderOf(to))));
+    }
+    const Failure reason = FailureFromErrno(error, QStringLiteral("copy"), to);
+    throw Failure(reason.Number(), reason.Description() + u' ' + CopyAdvice(error));
 }
 
 void CopyFailedIf(int error, const QString& to)

@@ -137,8 +137,8 @@ TEST_F(FileWalkHoldTest, AFolderThatDisappearsMeanwhileEndsInWords)
     EXPECT_EQ(InTrash(), 1);
     // The scan that follows empties the view and may say so itself.
     EXPECT_TRUE(session.lbFilTiffs.isEmpty());
-    EXPECT_TRUE(
-        Line().startsWith(QStringLiteral("1 of 3 files moved to the trash. First failed: ")))
+    EXPECT_TRUE(Line().startsWith(
+        QStringLiteral("1 of 3 files moved to the trash. Ctrl+Z brings it back. First failed: ")))
         << Line().toStdString();
     // What is in the trash stays there as long as it has no place to go to.
     Key(Qt::Key_Z, Qt::ControlModifier);
