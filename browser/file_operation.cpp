@@ -5,6 +5,7 @@
 #include "core/posix_error.h"
 
 #include <QCoreApplication>
+#include <QScopeGuard>
 #include <QScopedValueRollback>
 #include <algorithm>
 
@@ -76,8 +77,8 @@ void FileOperations::RunWithProgress(int steps, const std::function<void(std::at
     const Hourglass hourglass(mPlatform.loop);
     std::atomic<int> progress = 0;
     mView.ShowProgress(steps < 2 ? 1 : steps - 1);
+    const auto hide = qScopeGuard([this] { mView.HideProgress(); });
     mView.RunAlone([&] { work(progress); }, [&] { mView.SetProgress(progress); });
-    mView.HideProgress();
 }
 
 WalkResult FileOperations::Walk(WalkKind kind)
@@ -183,9 +184,8 @@ void FileOperations::RenameCurrent()
     }
     // The name may hold a separator, or the folder have none at its end to join a name to.
     if (FolderOf(fresh) != WithSeparator(mSession.gsPath) || LeafName(fresh).isEmpty()) {
-        mView.Tell(
-            OperationText("%1 keeps its name: the new one is none of a file in this folder.")
-                .arg(ShownName(old)));
+        mView.Tell(OperationText("%1 keeps its name: the new one is none of a file in this folder.")
+                       .arg(ShownName(old)));
         return;
     }
     try {

@@ -45,9 +45,11 @@ QString CopyAdvice(int error)
 [[noreturn]] void CopyFailed(int error, const QString& to)
 {
     if (error == ENOENT || error == ENOTDIR) {
-        throw Failure(kFailureNoFile,
-                      QStringLiteral("Cannot copy %1: there is no folder %2 any more.")
-                          .arg(ShownName(to), ShownName(FolderOf(to))));
+        const bool folder = StatPath(FolderOf(to)).type == FileType::Folder;
+        const QString words = folder
+            ? QStringLiteral("Cannot copy %1: nothing can be put into %2. Choose another folder.")
+            : QStringLiteral("Cannot copy %1: there is no folder %2 any more.");
+        throw Failure(kFailureNoFile, words.arg(ShownName(to), ShownName(FolderOf(to))));
     }
     const Failure reason = FailureFromErrno(error, QStringLiteral("copy"), to);
     throw Failure(reason.Number(), reason.Description() + u' ' + CopyAdvice(error));

@@ -2,6 +2,7 @@
 #include "file_operations_fixture.h"
 
 #include "album/ui/frmBrowserImageFileList.h"
+#include "platform/clip_files.h"
 #include "widgets/ui/folder_tree.h"
 
 #include <QClipboard>
@@ -283,6 +284,11 @@ TEST_F(FileOperationsTest, FilesCopiedWithCtrlCArePastedIntoTheAlbum)
     StartActive(3);
     SelectCells({0, 2});
     Key(Qt::Key_C, Qt::ControlModifier);
+    cClipFiles held;
+    EXPECT_TRUE(held.GetClipboardFiles());
+    ASSERT_EQ(held.Count(), 2);
+    EXPECT_EQ(held.begin()->Name(), File(0));
+    EXPECT_EQ(held.begin()->Size(), StatPath(File(0)).size);
     Click("mnuPopShow");
     auto* album = qobject_cast<frmBrowserImageFileList*>(
         windows.Loaded(QStringLiteral("frmBrowserImageFileList")));
@@ -293,6 +299,8 @@ TEST_F(FileOperationsTest, FilesCopiedWithCtrlCArePastedIntoTheAlbum)
         QTest::qWaitFor([&] { return !album->IsWorking() && album->Rows().Count() == 2; }, kWait));
     EXPECT_EQ(session.lbExportList, (QList<QString>{File(0), File(2)}));
     QApplication::clipboard()->clear();
+    EXPECT_FALSE(held.GetClipboardFiles());
+    EXPECT_EQ(held.Count(), 0);
 }
 
 TEST_F(FileOperationsTest, TheProgressIsShownWhileFilesAreCopied)

@@ -10,6 +10,24 @@ namespace quillane {
 
 namespace {
 
+/// What another program that knows the trash prints, of the home trash in `data`.
+QByteArray OtherReader(const QString& program, const TempFolder& home, const QByteArray& input = {})
+{
+    QProcess reader;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("HOME"), home.Path("home"));
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), home.Path("data"));
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    reader.setProcessEnvironment(environment);
+    reader.setWorkingDirectory(WithoutSeparator(home.Path("pictures")));
+    reader.start(program, {});
+    reader.write(input);
+    reader.closeWriteChannel();
+    EXPECT_TRUE(reader.waitForFinished()) << program.toStdString();
+    EXPECT_EQ(reader.exitCode(), 0) << reader.readAllStandardError().constData();
+    return reader.readAllStandardOutput();
+}
+
 TEST(Trash, AFileGoesToTheHomeTrashWithItsNote)
 {
     const TempFolder folder;
@@ -70,6 +88,10 @@ TEST(Trash, AnotherVolumeHasItsOwn)
     EXPECT_TRUE(file.trashed.startsWith("/dev/shm/.Trash")) << file.trashed.toStdString();
     const QByteArray note = ReadWholeFile(file.info, 4096);
     EXPECT_TRUE(note.contains("Path=quillane-test-")) << note.constData();
+    home.MakeFolder("home");
+    home.MakeFolder("pictures");
+    const QByteArray listed = OtherReader(QStringLiteral("trash-list"), home);
+    EXPECT_TRUE(listed.contains(' ' + other.Bytes("x.jpg") + '\n')) << listed.constData();
     BringBackFromTrash(file);
     EXPECT_EQ(other.Content("x.jpg"), "one");
     EXPECT_EQ(StatPath(file.info).type, FileType::Missing);
@@ -91,24 +113,6 @@ TEST(Trash, WhatIsGoneFailsAndNothingIsLeft)
     ASSERT_TRUE(RemoveFile(file.trashed));
     folder.MakeFolder("sub");
     EXPECT_EQ(FailureOf([&] { BringBackFromTrash(file); }), kFailureNoFile);
-}
-
-/// What another program that knows the trash prints, of the home trash in `data`.
-QByteArray OtherReader(const QString& program, const TempFolder& home, const QByteArray& input = {})
-{
-    QProcess reader;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("HOME"), home.Path("home"));
-    environment.insert(QStringLiteral("XDG_DATA_HOME"), home.Path("data"));
-    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
-    reader.setProcessEnvironment(environment);
-    reader.setWorkingDirectory(WithoutSeparator(home.Path("pictures")));
-    reader.start(program, {});
-    reader.write(input);
-    reader.closeWriteChannel();
-    EXPECT_TRUE(reader.waitForFinished()) << program.toStdString();
-    EXPECT_EQ(reader.exitCode(), 0) << reader.readAllStandardError().constData();
-    return reader.readAllStandardOutput();
 }
 
 TEST(Trash, OtherProgramsListAndRestoreWhatIsPutThere)
