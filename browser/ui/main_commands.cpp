@@ -9,12 +9,10 @@
 #include "core/export_list.h"
 #include "core/file_kinds.h"
 #include "core/paths.h"
-#include "platform/file_list_mime.h"
 #include "platform/ui/command_connector.h"
 #include "widgets/ui/scan_source_dialog.h"
 
 #include <QApplication>
-#include <QClipboard>
 #include <QDialog>
 #include <QLineEdit>
 #include <QPointer>
@@ -233,15 +231,6 @@ void frmBrowserMain::Tool(int index)
     }
 }
 
-void frmBrowserMain::UpdateFileMenu()
-{
-    const bool any = FileEntriesEnabled(mSession);
-    for (const char* name : {"mnuEmailImages", "mnuDelete", "mnuCopy", "mnuMove", "mnuRename",
-                             "mnuMainFilePageSetup"}) {
-        mMenus.SetEnabled(QLatin1String(name), any);
-    }
-}
-
 void frmBrowserMain::UpdatePopup()
 {
     const PopupRules rules = UpdatePopupMenu(mSession);
@@ -387,6 +376,9 @@ int frmBrowserMain::ViewMode() const
 
 void frmBrowserMain::RefreshFiles()
 {
+    if (mClosing) {
+        return; // nobody will see it
+    }
     const Hourglass busy(mPlatform.loop);
     BrowseImages(ViewMode());
 }
@@ -408,6 +400,7 @@ void frmBrowserMain::ShowFiles(const QVector<QString>& paths)
             mViews->AddCell(path, {});
         }
         mViews->FinishGrid();
+        UpdateFileMenu();
         return;
     }
     mViews->ClearRows(mSession.gsFileKeyword);
@@ -416,6 +409,7 @@ void frmBrowserMain::ShowFiles(const QVector<QString>& paths)
         mViews->AddRow({path, stat.size, stat.modifiedSeconds});
     }
     mViews->FinishRows();
+    UpdateFileMenu();
 }
 
 void frmBrowserMain::ChooseView(const ViewEntry& view)
@@ -461,14 +455,6 @@ void frmBrowserMain::OpenCurrent()
             ShowFile(mSession.gsFileName);
         }
         break;
-    }
-}
-
-void frmBrowserMain::CopyFileList()
-{
-    const QStringList paths = mViews->SelectedPaths();
-    if (!paths.isEmpty()) {
-        QApplication::clipboard()->setMimeData(FileListMimeData(paths));
     }
 }
 
