@@ -2,44 +2,13 @@
 
 #include "core/failure.h"
 #include "core/native_path.h"
-
-#include <optional>
+#include "core/text_lines.h"
 
 namespace quillane {
 
 namespace {
 
-constexpr qint64 kMaxAlbumBytes = 16ll << 20; ///< some 200,000 paths
 constexpr QLatin1String kAlbumLineEnd{"\r\n"};
-
-/// The lines of a text without their ends.
-class AlbumLines {
-public:
-    explicit AlbumLines(QByteArrayView bytes) : mBytes(bytes)
-    {
-        constexpr char kMark[] = "\xef\xbb\xbf";
-        if (mBytes.startsWith(kMark)) {
-            mBytes = mBytes.sliced(3);
-        }
-    }
-    /// The next line; nothing at the end.
-    std::optional<QByteArrayView> Next()
-    {
-        if (mBytes.isEmpty()) {
-            return {};
-        }
-        const qsizetype end = mBytes.indexOf('\n');
-        QByteArrayView line = end < 0 ? mBytes : mBytes.first(end);
-        mBytes = end < 0 ? QByteArrayView() : mBytes.sliced(end + 1);
-        if (line.endsWith('\r')) {
-            line.chop(1);
-        }
-        return line;
-    }
-
-private:
-    QByteArrayView mBytes;
-};
 
 bool IsAlbumMark(QByteArrayView line)
 {
@@ -51,7 +20,7 @@ bool IsAlbumMark(QByteArrayView line)
 AlbumPreview ReadAlbumPreview(const QString& path)
 {
     const QByteArray content = ReadWholeFile(path, kMaxAlbumBytes);
-    AlbumLines lines(content);
+    TextLines lines(content);
     std::optional<QByteArrayView> line = lines.Next();
     if (!line) {
         throw Failure(kFailureIo, QStringLiteral("This photo album is empty."), path);

@@ -3,6 +3,9 @@
 
 namespace quillane {
 
+/// Larger albums are refused, here and by the album window: a million paths of usual length.
+inline constexpr qint64 kMaxAlbumBytes = 128ll << 20;
+
 /// What the preview panel shows of an album file.
 struct AlbumPreview {
     bool hasComment = false; ///< the file begins with a line "#"
