@@ -10,6 +10,8 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QMimeData>
+#include <QPointer>
+#include <QScopeGuard>
 #include <algorithm>
 #include <functional>
 #include <utility>
@@ -193,7 +195,21 @@ void frmBrowserImageFileList::TileImages()
     if (!failed || !mHost) {
         return;
     }
-    mHost->ShowFiles(*found);
+    // The browser may look at the files while events flow.
+    const QPointer<frmBrowserImageFileList> self(this);
+    {
+        ++mBusy;
+        const auto idle = qScopeGuard([self] {
+            if (self) {
+                --self->mBusy;
+            }
+        });
+        UpdateFileMenu();
+        mHost->ShowFiles(*found);
+    }
+    if (!self) {
+        return;
+    }
     mHost->SetPanel(1, QStringLiteral("Photo Album"));
     mHost->SetPanel(3, QStringLiteral("Total Images = %1").arg(paths.size()));
     close();
