@@ -37,10 +37,43 @@ bool TakesAlbumLine(QByteArrayView line, const TextLines& lines, AlbumText& albu
 {
     if (line.size() > kMaxAlbumLine) {
         album.endedEarly = AlbumWords("Line %1 is too long for a path").arg(lines.Number());
-    } else if (album.paths.size() >= kMaxAlbumPaths) {
-        album.endedEarly = AlbumWords("There are more than %1 lines").arg(kMaxAlbumPaths);
+        return false;
     }
-    return album.endedEarly.isEmpty();
+    if (album.paths.size() >= kMaxAlbumPaths) {
+        album.endedEarly = AlbumWords("There are more than %1 lines").arg(kMaxAlbumPaths);
+        return false;
+    }
+    return true;
+}
+
+/// The beginning of a line that is at least so many characters long, if the line is; never the
+/// first half of a character.
+QByteArrayView BeginningOfLine(QByteArrayView line, qsizetype characters)
+{
+    constexpr qsizetype kMostBytes = 4; // of a character in UTF-8
+    const qsizetype bytes = kMostBytes * (characters + 1);
+    if (line.size() <= bytes) {
+        return line;
+    }
+    const auto isInside = [](char byte) { return (byte & 0xC0) == 0x80; };
+    qsizetype end = bytes;
+    while (end > bytes - kMostBytes && isInside(line[end])) {
+        --end;
+    }
+    return line.first(end);
+}
+
+/// Adds a line to the comment, as far as there is room.
+void AddToComment(QByteArrayView line, AlbumText& album)
+{
+    const qsizetype room = kMaxAlbumComment - album.comment.size();
+    QString text = TextFromFieldBytes(BeginningOfLine(line, room + 1));
+    if (text.size() > room) {
+        text.truncate(room);
+        album.endedEarly = AlbumWords("The comment is longer than %1 characters and was cut")
+                               .arg(kMaxAlbumComment);
+    }
+    album.comment += text;
 }
 
 } // namespace
@@ -53,11 +86,7 @@ AlbumText ParseAlbum(QByteArrayView content)
     if (line && IsAlbumHash(*line)) {
         album.hasComment = true;
         while ((line = lines.Next()) && !IsAlbumHash(*line)) {
-            if (line->size() + album.comment.size() > kMaxAlbumComment) {
-                album.endedEarly = AlbumWords("The comment is too long");
-                return album;
-            }
-            album.comment += TextFromFieldBytes(*line);
+            AddToComment(*line, album);
         }
         line = lines.Next();
     }

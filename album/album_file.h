@@ -20,11 +20,11 @@ struct AlbumText {
 };
 
 inline constexpr qsizetype kMaxAlbumPaths = 1'000'000;
-inline constexpr qsizetype kMaxAlbumLine = 64ll << 10;   ///< bytes; no path is longer
-inline constexpr qsizetype kMaxAlbumComment = 4ll << 20; ///< characters
+inline constexpr qsizetype kMaxAlbumLine = 64ll << 10; ///< bytes; no path is longer
 
 /// Takes the lines of an album file apart: UTF-8 with line ends as of TextLines. A comment that is
-/// no UTF-8 is taken as Windows-1252. Never fails: beyond a limit the reading ends early.
+/// no UTF-8 is taken as Windows-1252. Never fails: beyond a limit the reading ends
+/// early, and of the comment the rest is left out.
 AlbumText ParseAlbum(QByteArrayView content);
 /// ParseAlbum of a file. Failure as ReadWholeFile, kFailureLimit above kMaxAlbumBytes.
 AlbumText ReadAlbumText(const QString& path);

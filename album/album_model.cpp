@@ -2,7 +2,9 @@
 
 #include "platform/file_list_mime.h"
 
+#include <QGuiApplication>
 #include <QMimeData>
+#include <QPalette>
 #include <QSet>
 #include <algorithm>
 #include <functional>
@@ -248,6 +250,9 @@ QVariant AlbumModel::data(const QModelIndex& index, int role) const
     if (role == Qt::ToolTipRole) {
         return ShortPath(row.path);
     }
+    if (role == Qt::ForegroundRole && row.state >= AlbumFileState::Missing) {
+        return QGuiApplication::palette().placeholderText();
+    }
     if (role == Qt::TextAlignmentRole && index.column() == kSize) {
         return int(Qt::AlignRight | Qt::AlignVCenter);
     }
@@ -272,6 +277,9 @@ QVariant AlbumModel::data(const QModelIndex& index, int role) const
 
 QVariant AlbumModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
+    if (orientation == Qt::Horizontal && role == Qt::TextAlignmentRole) {
+        return int((section == kSize ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+    }
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
         return {};
     }

@@ -10,6 +10,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QMenuBar>
@@ -71,6 +72,7 @@ frmBrowserImageFileList::frmBrowserImageFileList(Session& session, SettingsStore
       mPreview(new AlbumPreviewPane),
       mComment(new AlbumCommentBox),
       mTotal(new QLabel),
+      mHint(new QLabel),
       mPool(platform.places.ThumbnailCache()),
       mJobs(2) // one look that hangs does not stop those after another album was opened
 {
@@ -105,10 +107,12 @@ void frmBrowserImageFileList::Build()
     mTotal->setAccessibleName(tr("Total files"));
 
     auto* files = new QWidget;
-    auto* filesLayout = new QVBoxLayout(files);
+    auto* filesLayout = new QGridLayout(files);
     filesLayout->setContentsMargins(0, 0, 0, 0);
-    filesLayout->addWidget(mRows);
-    filesLayout->addWidget(mGrid);
+    filesLayout->addWidget(mRows, 0, 0);
+    filesLayout->addWidget(mGrid, 0, 0);
+    filesLayout->addWidget(mHint, 0, 0);
+    BuildHint();
     auto* halves = new QSplitter;
     halves->setChildrenCollapsible(false);
     halves->addWidget(files);
@@ -136,6 +140,20 @@ void frmBrowserImageFileList::Build()
     resize(kAlbumWindowSize);
 }
 
+void frmBrowserImageFileList::BuildHint()
+{
+    constexpr int kHintMargin = 40;
+    mHint->setObjectName(QStringLiteral("lblEmptyAlbum"));
+    mHint->setText(tr("This album is empty.\n\nDrop photos here, paste them, or choose "
+                      "\u201cAdd File(s) to Photo Album\u201d from the menu of the right mouse "
+                      "button in the browser."));
+    mHint->setAlignment(Qt::AlignCenter);
+    mHint->setWordWrap(true);
+    mHint->setMargin(kHintMargin);
+    mHint->setForegroundRole(QPalette::PlaceholderText);
+    mHint->setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
 void frmBrowserImageFileList::BuildRows()
 {
     mModel.SetDateText(
@@ -149,7 +167,7 @@ void frmBrowserImageFileList::BuildRows()
     mRows->setEditTriggers(QAbstractItemView::NoEditTriggers);
     mRows->setDragDropMode(QAbstractItemView::DragOnly);
     mRows->setTabKeyNavigation(false);
-    mRows->setTextElideMode(Qt::ElideMiddle);
+    mRows->setTextElideMode(Qt::ElideLeft); // the name of the file is at the end
     mRows->setWordWrap(false);
     mRows->setCornerButtonEnabled(false);
     QHeaderView* lines = mRows->verticalHeader();
@@ -339,6 +357,8 @@ bool frmBrowserImageFileList::ThumbnailsShown() const
 void frmBrowserImageFileList::ShowTotal()
 {
     mTotal->setText(QString::number(mModel.Count()));
+    mHint->setVisible(mModel.Count() == 0);
+    mHint->raise();
     UpdateFileMenu();
 }
 

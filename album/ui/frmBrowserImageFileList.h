@@ -61,6 +61,7 @@ protected:
 private:
     void Build();
     void BuildRows();
+    void BuildHint();
     void ConnectMenus();
     void ConnectViews();
     void LoadForm();
@@ -111,6 +112,7 @@ private:
     AlbumPreviewPane* mPreview;
     QPlainTextEdit* mComment; ///< rtbComment
     QLabel* mTotal;           ///< lblTotalFiles
+    QLabel* mHint;            ///< lblEmptyAlbum, over the rows or the grid
     ThumbnailPool mPool;
     Mailer mMailer;
     std::shared_ptr<cClipFiles> mClipFiles; ///< of the clipboard, filled on another thread

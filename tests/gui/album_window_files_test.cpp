@@ -1,5 +1,4 @@
-// Albums and pictures that are not as they should be, and what saving does with them.
-#include "core/unprivileged.h"
+// Albums and pictures that are not as they should be.
 #include "gui/album_window_fixture.h"
 #include "imaging/format_table.h"
 #include "imaging/reader.h"
@@ -9,33 +8,6 @@
 #include <unistd.h>
 
 namespace quillane {
-
-namespace {
-
-class AlbumFilesTest : public AlbumWindowTest {
-protected:
-    QByteArray PathBytes(const QString& name) const { return BytesFromPath(Path(name)); }
-    void MakeFifo(const QString& name) const
-    {
-        ASSERT_EQ(mkfifo(PathBytes(name).constData(), 0644), 0);
-    }
-    /// Opens a window on an album and waits.
-    void OpenAlbum(const QString& path)
-    {
-        Open();
-        album->OpenImageListFile(path);
-        ASSERT_TRUE(Rest());
-    }
-    /// Saves by the menu and waits.
-    void SaveAs(const QString& path)
-    {
-        fakes.dialogs.AnswerFile(path);
-        Menu("mnuSave")->trigger();
-        ASSERT_TRUE(Rest());
-    }
-};
-
-} // namespace
 
 TEST_F(AlbumFilesTest, ClickOnACellBehindAMissingFileShowsTheRowOfItsNumber)
 {
@@ -298,6 +270,27 @@ TEST_F(AlbumFilesTest, AlbumReadInPartIsKnownByItsOtherNamesAndInALaterWindow)
     EXPECT_EQ(Bytes(file), BytesFromPath(Small()) + "\r\n");
 }
 
+TEST_F(AlbumFilesTest, RowsWithoutFilesArePale)
+{
+    OpenAlbum(AlbumOf(OneOfThreeMissing()));
+    const auto colour = [this](int row) {
+        const QVariant brush = Index(row).data(Qt::ForegroundRole);
+        return brush.isValid() ? qvariant_cast<QBrush>(brush).color() : QColor();
+    };
+    EXPECT_FALSE(colour(0).isValid());
+    EXPECT_EQ(colour(1), QApplication::palette().placeholderText().color());
+}
+
+TEST_F(AlbumFilesTest, EmptyAlbumSaysHowToFillIt)
+{
+    Open();
+    EXPECT_TRUE(Part<QLabel>("lblEmptyAlbum")->isVisible());
+    album->OpenImageListFile(AlbumOf({Small()}));
+    EXPECT_FALSE(Part<QLabel>("lblEmptyAlbum")->isVisible());
+    Menu("mnuClearALL")->trigger();
+    EXPECT_TRUE(Part<QLabel>("lblEmptyAlbum")->isVisible());
+}
+
 TEST_F(AlbumFilesTest, PathsLongerThanAnyAreShownInShort)
 {
     OpenAlbum(Album("#\r\nc\r\n#\r\n/" + QByteArray(60'000, 'x') + "\r\n"));
@@ -328,102 +321,6 @@ TEST_F(AlbumFilesTest, RubbishIsRowsWithoutFiles)
     // What was read is what is written.
     SaveAs(Path(QStringLiteral("b.ifl")));
     EXPECT_EQ(Bytes(Path(QStringLiteral("b.ifl"))).count('\n'), Total().toInt());
-}
-
-TEST_F(AlbumFilesTest, SaveIntoAReadOnlyFolderIsToldAndChangesNothing)
-{
-    const QString folder = Path(QStringLiteral("locked"));
-    ASSERT_TRUE(MakeFolder(folder));
-    const QString file = folder + QStringLiteral("/a.ifl");
-    WriteWholeFile(file, "as it was");
-    session.lbExportList = {Small()};
-    Open();
-    ASSERT_TRUE(Rest());
-    ASSERT_EQ(chmod(BytesFromPath(folder).constData(), 0555), 0);
-    {
-        const Unprivileged person;
-        SaveAs(file);
-    }
-    ASSERT_EQ(chmod(BytesFromPath(folder).constData(), 0755), 0);
-    EXPECT_TRUE(Told().startsWith(QStringLiteral("The album was not saved. ")))
-        << Told().toStdString();
-    EXPECT_EQ(Bytes(file), "as it was");
-    EXPECT_TRUE(fakes.dialogs.Boxes().isEmpty());
-}
-
-TEST_F(AlbumFilesTest, SaveOntoAFolderAFifoOrADeviceIsToldAndChangesNothing)
-{
-    MakeFifo(QStringLiteral("fifo.ifl"));
-    ASSERT_TRUE(MakeFolder(Path(QStringLiteral("folder.ifl"))));
-    session.lbExportList = {Small()};
-    Open();
-    ASSERT_TRUE(Rest());
-    for (const QString& path : {Path(QStringLiteral("fifo.ifl")),
-                                Path(QStringLiteral("folder.ifl")), QStringLiteral("/dev/full")}) {
-        album->statusBar()->clearMessage();
-        album->WriteAlbumFile(path);
-        ASSERT_TRUE(Rest());
-        EXPECT_TRUE(Told().startsWith(QStringLiteral("The album was not saved. ")))
-            << path.toStdString() << ' ' << Told().toStdString();
-    }
-    EXPECT_EQ(StatPath(Path(QStringLiteral("fifo.ifl"))).type, FileType::Other);
-    EXPECT_EQ(StatPath(Path(QStringLiteral("folder.ifl"))).type, FileType::Folder);
-    EXPECT_EQ(StatPath(QStringLiteral("/dev/full")).type, FileType::Other);
-    EXPECT_EQ(session.lbExportList.size(), 1);
-}
-
-TEST_F(AlbumFilesTest, SaveBehindALinkReplacesItsTarget)
-{
-    const QString file = Album("as it was"), link = Path(QStringLiteral("link.ifl"));
-    ASSERT_EQ(symlink("a.ifl", BytesFromPath(link).constData()), 0);
-    session.lbExportList = {Small()};
-    Open();
-    ASSERT_TRUE(Rest());
-    SaveAs(link);
-    struct stat found;
-    ASSERT_EQ(lstat(BytesFromPath(link).constData(), &found), 0);
-    EXPECT_TRUE(S_ISLNK(found.st_mode));
-    EXPECT_EQ(Bytes(file), BytesFromPath(Small()) + "\r\n");
-    EXPECT_TRUE(Told().contains(QStringLiteral("saved"))) << Told().toStdString();
-}
-
-TEST_F(AlbumFilesTest, SaveAsksBeforeItReplacesAFileOfTheCompletedName)
-{
-    session.lbExportList = {Small()};
-    Open();
-    ASSERT_TRUE(Rest());
-    const QString file = Album("as it was");
-    fakes.dialogs.Answer(BoxAnswer::No);
-    SaveAs(Path(QStringLiteral("a")));
-    EXPECT_EQ(Bytes(file), "as it was");
-    fakes.dialogs.Answer(BoxAnswer::Yes);
-    SaveAs(Path(QStringLiteral("a")));
-    EXPECT_EQ(Bytes(file), BytesFromPath(Small()) + "\r\n");
-    ASSERT_EQ(fakes.dialogs.Boxes().size(), 2);
-}
-
-TEST_F(AlbumFilesTest, CancelledSaveWritesNothing)
-{
-    session.lbExportList = {Small()};
-    Open();
-    ASSERT_TRUE(Rest());
-    Menu("mnuSave")->trigger();
-    ASSERT_EQ(fakes.dialogs.FileDialogs().size(), 1);
-    EXPECT_EQ(fakes.dialogs.FileDialogs().first().filter, "Photo Album (*.ifl)|*.ifl");
-    EXPECT_EQ(fakes.dialogs.FileDialogs().first().folder, session.gsPath);
-    EXPECT_EQ(Told(), "");
-}
-
-TEST_F(AlbumFilesTest, SavedAlbumIsReadBackByASecondWindow)
-{
-    const QList<QString> paths = OneOfThreeMissing();
-    OpenAlbum(AlbumOf(paths, QStringLiteral("Summer trip")));
-    const QString copy = Path(QStringLiteral("copy.ifl"));
-    SaveAs(copy);
-    EXPECT_EQ(Bytes(copy), AlbumBytes(QStringLiteral("Summer trip"), paths));
-    OpenAlbum(copy);
-    EXPECT_EQ(album->Rows().Paths(), paths);
-    EXPECT_EQ(Comment(), "Summer trip");
 }
 
 TEST_F(AlbumFilesTest, OpeningAnotherAlbumReplacesEverything)

@@ -10,6 +10,7 @@
 #include <QHeaderView>
 #include <QMenuBar>
 #include <algorithm>
+#include <sys/stat.h>
 
 namespace quillane {
 
@@ -125,6 +126,30 @@ protected:
 
     AlbumHost albumHost;
     std::unique_ptr<frmBrowserImageFileList> album;
+};
+
+/// The same with albums of every kind.
+class AlbumFilesTest : public AlbumWindowTest {
+protected:
+    QByteArray PathBytes(const QString& name) const { return BytesFromPath(Path(name)); }
+    void MakeFifo(const QString& name) const
+    {
+        ASSERT_EQ(mkfifo(PathBytes(name).constData(), 0644), 0);
+    }
+    /// Opens a window on an album and waits.
+    void OpenAlbum(const QString& path)
+    {
+        Open();
+        album->OpenImageListFile(path);
+        ASSERT_TRUE(Rest());
+    }
+    /// Saves by the menu and waits.
+    void SaveAs(const QString& path)
+    {
+        fakes.dialogs.AnswerFile(path);
+        Menu("mnuSave")->trigger();
+        ASSERT_TRUE(Rest());
+    }
 };
 
 } // namespace quillane
