@@ -163,8 +163,13 @@ void frmBrowserImageFileList::TakeNewExports()
 void frmBrowserImageFileList::ShowView()
 {
     const bool names = mMenus.IsChecked(QStringLiteral("nmuViewFilename"));
+    const QWidget* focused = focusWidget();
+    const bool takesFocus = !focused || focused == mRows || focused == mGrid;
     mRows->setVisible(names);
     mGrid->setVisible(!names);
+    if (takesFocus) {
+        names ? mRows->setFocus() : mGrid->setFocus();
+    }
     if (names) {
         // What is selected is what is seen.
         mGrid->SelectAll(false);

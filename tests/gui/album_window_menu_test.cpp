@@ -205,6 +205,20 @@ TEST_F(AlbumWindowTest, RowsAreWalkedByTheKeyboardWithTheirPreview)
     EXPECT_TRUE(Box("txtImageSize").startsWith(QStringLiteral("Image Size: 50 X 30 X ")));
 }
 
+TEST_F(AlbumWindowTest, KeyboardFollowsFromOneViewToTheOther)
+{
+    session.lbExportList = {Small()};
+    Open();
+    album->activateWindow();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return album->isActiveWindow(); }, kWait));
+    EXPECT_TRUE(List()->hasFocus());
+    ShowThumbnails();
+    EXPECT_TRUE(Grid()->hasFocus());
+    Part<QPlainTextEdit>("rtbComment")->setFocus();
+    Menu("nmuViewFilename")->trigger();
+    EXPECT_TRUE(Part<QPlainTextEdit>("rtbComment")->hasFocus());
+}
+
 TEST_F(AlbumWindowTest, CellsAreWalkedByTheKeyboardWithTheirPreview)
 {
     session.lbExportList = {Small(QStringLiteral("a.bmp"), {40, 30}),
