@@ -9,6 +9,7 @@
 #include "core/export_list.h"
 #include "core/file_kinds.h"
 #include "core/paths.h"
+#include "platform/run_aside.h"
 #include "platform/ui/command_connector.h"
 #include "widgets/ui/scan_source_dialog.h"
 
@@ -17,6 +18,8 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QShortcut>
+#include <memory>
+#include <utility>
 
 namespace quillane {
 
@@ -404,9 +407,22 @@ void frmBrowserMain::ShowFiles(const QVector<QString>& paths)
         return;
     }
     mViews->ClearRows(mSession.gsFileKeyword);
-    for (const QString& path : paths) {
-        const FileStat stat = StatPath(path);
-        mViews->AddRow({path, stat.size, stat.modifiedSeconds});
+    // They may lie on slow volumes. Meanwhile a folder may be chosen, or the window may go.
+    auto rows = std::make_shared<QVector<ScanRow>>();
+    const QPointer<frmBrowserMain> self(this);
+    RunAside(mPlatform.loop, [rows, paths] {
+        rows->reserve(paths.size());
+        for (const QString& path : paths) {
+            const FileStat stat = StatPath(path);
+            const bool there = stat.type != FileType::Missing;
+            rows->append({path, stat.size, there ? stat.modifiedSeconds : -1});
+        }
+    });
+    if (!self || mSession.lbFilTiffs != paths) {
+        return;
+    }
+    for (const ScanRow& row : std::as_const(*rows)) {
+        mViews->AddRow(row);
     }
     mViews->FinishRows();
     UpdateFileMenu();
