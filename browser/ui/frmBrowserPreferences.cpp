@@ -73,6 +73,7 @@ frmBrowserPreferences::frmBrowserPreferences(Session& session, PreferencesTarget
 
     mTabs->setObjectName(QStringLiteral("tabPreferences"));
     mTabs->setAccessibleName(tr("Preferences"));
+    mTabs->tabBar()->setAccessibleName(tr("Kinds of settings"));
     mTabs->setUsesScrollButtons(true);
     mTabs->addTab(MakeFileTab(), tr("File/Thumbnail Settings"));
     mTabs->addTab(MakeImagingTab(), tr("Imaging Settings"));
@@ -194,8 +195,9 @@ QWidget* frmBrowserPreferences::MakeSlot(const char* kind, int number, SlotRow& 
 {
     const QString word = QLatin1String(kind);
     const bool tool = word == QLatin1String("Tool");
-    const QString title =
-        (tool ? tr("Custom Tool %1") : tr("Custom Application %1")).arg(number + 1);
+    const QString caption =
+        (tool ? tr("Custom Tool &%1") : tr("Custom Application &%1")).arg(number + 1);
+    const QString title = QString(caption).remove(u'&');
     const auto name = [&](QWidget* widget, const QString& before, const char* behind) {
         widget->setObjectName(
             IndexedName((before + word + QLatin1String(behind)).toLatin1().constData(), number));
@@ -203,7 +205,7 @@ QWidget* frmBrowserPreferences::MakeSlot(const char* kind, int number, SlotRow& 
     auto* frame = new QGroupBox;
     name(frame, QStringLiteral("fraCustom"), "");
     frame->setAccessibleName(title);
-    row.active = new QCheckBox(title);
+    row.active = new QCheckBox(caption);
     name(row.active, QStringLiteral("chkCustom"), "");
     row.active->setToolTip(tool ? tr("Show this tool in the Tools menu and the pop-up menu")
                                 : tr("Show this application in the Applications menu"));

@@ -25,6 +25,7 @@ namespace quillane {
 namespace {
 
 constexpr int kSlotsOfAKind = 4;
+constexpr int kWidestCaption = 400; // pixels of a menu that a slot may take
 
 } // namespace
 
@@ -257,7 +258,8 @@ void frmBrowserMain::ApplyCustomTools()
         action->setVisible(state.visible);
         action->setEnabled(state.enabled);
         if (state.visible) {
-            action->setText(state.caption);
+            action->setText(fontMetrics().elidedText(state.caption, Qt::ElideRight, kWidestCaption,
+                                                     Qt::TextShowMnemonic));
         }
     };
     const CustomSlotEntries entries = quillane::ApplyCustomTools(mSlots);

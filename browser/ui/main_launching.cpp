@@ -70,9 +70,11 @@ void frmBrowserMain::ShowPreferences()
                                 }
                             },
                             [this] { ApplyCustomTools(); }});
-    frmBrowserPreferences preferences(
-        mSession, target, mPlatform.dialogs, [this] { return FileOperation(kPickProgram); }, this);
-    preferences.exec();
+    // It may go with this window while it is shown.
+    const QPointer<frmBrowserPreferences> preferences(new frmBrowserPreferences(
+        mSession, target, mPlatform.dialogs, [this] { return FileOperation(kPickProgram); }, this));
+    preferences->exec();
+    delete preferences;
 }
 
 void frmBrowserMain::CheckView(int style)

@@ -3,6 +3,7 @@
 #include "browser/wallpaper_road.h"
 
 #include "core/expect_failure.h"
+#include "core/paths.h"
 #include "core/temp_folder.h"
 #include "imaging/engine.h"
 #include "platform/fake/fake_platform.h"
@@ -59,6 +60,57 @@ TEST_F(LaunchingTest, ASlotThatCannotBeStartedIsToldInALine)
     EXPECT_EQ(told,
               QStringList({"\"Paint\" failed: Nothing opens this.",
                            "\"paint\" failed: Nothing opens this."}));
+}
+
+TEST_F(LaunchingTest, ASlotThatIsOffIsNotRun)
+{
+    for (const qint16 active : {0, -1, 2}) {
+        RunCustomSlot({active, "Pa&int", "/opt/paint"}, session, fakes.launcher, Tell());
+    }
+    EXPECT_TRUE(fakes.launcher.started.isEmpty());
+    EXPECT_EQ(told, QStringList(3, "\"Paint\" is switched off in the preferences."));
+}
+
+TEST_F(LaunchingTest, ASlotWithoutAPathFailsWithALine)
+{
+    RunCustomSlot({1, "Paint", ""}, session, fakes.launcher, Tell());
+    RunCustomSlot({1, "", ""}, session, fakes.launcher, Tell());
+    EXPECT_TRUE(fakes.launcher.started.isEmpty());
+    EXPECT_EQ(told,
+              QStringList({"\"Paint\" has no program yet. Choose one in the preferences.",
+                           "\"The tool\" has no program yet. Choose one in the preferences."}));
+}
+
+TEST_F(LaunchingTest, ALineHasRoomForTheNameOfASlot)
+{
+    fakes.launcher.fails = true;
+    RunCustomSlot({1, QString(5000, u'W'), "/opt/paint"}, session, fakes.launcher, Tell());
+    RunCustomSlot({1, "two\nlines", "/opt/paint"}, session, fakes.launcher, Tell());
+    ASSERT_EQ(told.size(), 2);
+    EXPECT_LT(told[0].size(), 120);
+    EXPECT_EQ(told[1], "\"two lines\" failed: Nothing opens this.");
+}
+
+TEST_F(LaunchingTest, TheWorkingFolderOfAFilePickedInTheTreeIsItsFolder)
+{
+    folder.Write("a.jpg");
+    session.gsPath = folder.Path("a.jpg");
+    RunCustomSlot({1, "Paint", "/opt/paint"}, session, fakes.launcher, Tell());
+    session.gsPath = WithoutSeparator(folder.Path()); // "Show All Files" leaves it without one
+    RunCustomSlot({1, "Paint", "/opt/paint"}, session, fakes.launcher, Tell());
+    session.gsPath = folder.Path("gone/");
+    RunCustomSlot({1, "Paint", "/opt/paint"}, session, fakes.launcher, Tell());
+    ASSERT_EQ(fakes.launcher.started.size(), 3);
+    EXPECT_EQ(WithSeparator(fakes.launcher.started[0].folder), folder.Path());
+    EXPECT_EQ(WithSeparator(fakes.launcher.started[1].folder), folder.Path());
+    EXPECT_EQ(fakes.launcher.started[2].folder, folder.Path("gone/"));
+}
+
+TEST_F(LaunchingTest, NoCurrentFileIsNoParameter)
+{
+    RunCustomSlot({1, "Paint", "/opt/paint"}, session, fakes.launcher, Tell());
+    ASSERT_EQ(fakes.launcher.started.size(), 1);
+    EXPECT_TRUE(fakes.launcher.started[0].arguments.isEmpty());
 }
 
 TEST_F(LaunchingTest, AToolThatEndsBadlyLaterIsToldInALine)
@@ -173,6 +225,13 @@ TEST_F(LaunchingTest, ADesktopThatFailsIsToldInALine)
     EXPECT_EQ(told,
               QStringList({"The wallpaper could not be set: feh ended with error 2.",
                            "The wallpaper could not be set: Nothing opens this."}));
+}
+
+TEST_F(LaunchingTest, AWallpaperThatAPersonRefusesStaysAsItWas)
+{
+    SetPhotoAsWallpaper(Picture("a.jpg", {}), fakes.Services(), Tell());
+    fakes.wallpaper.ended[0](Failure(kFailureCancelled, "no"));
+    EXPECT_EQ(told, QStringList("The wallpaper stays as it was."));
 }
 
 TEST_F(LaunchingTest, TheHourglassEndsWithTheRoad)
