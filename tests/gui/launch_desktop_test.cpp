@@ -157,9 +157,10 @@ TEST_F(LaunchDesktopTest, TheMapProgramGetsThePositionOfThePhoto)
     Photo("a.jpg", "Lat=48.2\r\nLong=-16.37\r\nElevation=171\r\n");
     Photo("b.jpg", "Lat=48.2\r\n");
     applications.Write("Wayfarix.exe",
-                       "#!/bin/sh\nprintf '%s\\0' \"$@\" > '" + applications.Bytes("got.part")
-                           + "'\n/bin/mv '" + applications.Bytes("got.part") + "' '"
-                           + applications.Bytes("got") + "'\n");
+                       "#!/bin/sh\nprintf '%s\\0' \"$#\" \"$@\" > '"
+                           + applications.Bytes("got.part") + "'\n/bin/mv '"
+                           + applications.Bytes("got.part") + "' '" + applications.Bytes("got")
+                           + "'\n");
     applications.Chmod("Wayfarix.exe", 0755);
     StartOnDesktop();
     const auto got = [&] {
@@ -170,15 +171,16 @@ TEST_F(LaunchDesktopTest, TheMapProgramGetsThePositionOfThePhoto)
         return words.split('\0');
     };
     Click("mnuWayfarix");
-    EXPECT_EQ(got(),
-              (QList<QByteArray>{BytesFromPath(folder) + "a.jpg", "48.2", "-16.37", "171", ""}));
+    EXPECT_EQ(
+        got(),
+        (QList<QByteArray>{"4", BytesFromPath(folder) + "a.jpg", "48.2", "-16.37", "171", ""}));
     ClickCell(1);
     Click("mnuPopWayfarix");
-    EXPECT_EQ(got(), (QList<QByteArray>{BytesFromPath(folder) + "b.jpg", "48.2", "", "", ""}));
+    EXPECT_EQ(got(), (QList<QByteArray>{"4", BytesFromPath(folder) + "b.jpg", "48.2", "", "", ""}));
     WriteWholeFile(folder + "notes.ifl", "");
     session.gsFileName = folder + "notes.ifl";
     Click("mnuWayfarix");
-    EXPECT_EQ(got(), QList<QByteArray>{""}) << "no arguments";
+    EXPECT_EQ(got(), (QList<QByteArray>{"0", ""}));
     EXPECT_TRUE(fakes.dialogs.Boxes().isEmpty());
 }
 

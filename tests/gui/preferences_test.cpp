@@ -273,6 +273,9 @@ TEST_F(PreferencesWindowTest, TheVideoToolFollowsEveryClickAndArrowKey)
     Start();
     Preferences([&](QDialog& dialog) {
         Tab(dialog, kImagingTab);
+        dialog.activateWindow();
+        ASSERT_TRUE(
+            QTest::qWaitFor([&] { return QApplication::activeWindow() == &dialog; }, kWait));
         auto* second = In<QAbstractButton>(dialog, "optVideoTool(1)");
         QTest::mouseClick(second, Qt::LeftButton, {}, {8, second->height() / 2});
         EXPECT_EQ(session.gsVideoTool, 1);
