@@ -8,9 +8,11 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
+#include <QScreen>
 #include <QScrollArea>
 #include <QTabBar>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace quillane {
 
@@ -18,7 +20,8 @@ namespace {
 
 constexpr int kNumberWidth = 90; // logical pixels
 constexpr QSize kPreferencesSize{620, 540};
-constexpr int kTabSlack = 16; // what styles put before the first tab and behind the last
+constexpr int kTabSlack = 16;         // what styles put before the first tab and behind the last
+constexpr int kPreferencesTitle = 30; // what the desktop puts above a window
 
 QString IndexedName(const char* name, int index)
 {
@@ -90,12 +93,25 @@ frmBrowserPreferences::frmBrowserPreferences(Session& session, PreferencesTarget
     all->addWidget(mTabs, 1);
     all->addWidget(buttons);
     ConnectCommand(close, &QPushButton::clicked, this, mDialogs, [this] { Apply(); });
-    // Wide enough for the words of all tabs.
-    const int margins = all->contentsMargins().left() + all->contentsMargins().right();
-    resize(kPreferencesSize.expandedTo(
-        {mTabs->tabBar()->sizeHint().width() + margins + kTabSlack, 0}));
+    resize(FirstSize());
     Load();
     txtThumbX->setFocus();
+}
+
+QSize frmBrowserPreferences::FirstSize() const
+{
+    // Wide enough for the words of all tabs, high enough for all slots.
+    const QSize bar = mTabs->tabBar()->sizeHint();
+    const QMargins margins = layout()->contentsMargins();
+    int page = 0;
+    for (const auto* area : mTabs->findChildren<QScrollArea*>()) {
+        page = std::max(page, area->widget()->sizeHint().height());
+    }
+    const int buttons = layout()->itemAt(1)->sizeHint().height() + layout()->spacing();
+    const QSize whole(bar.width() + margins.left() + margins.right() + kTabSlack,
+                      bar.height() + page + buttons + margins.top() + margins.bottom() + kTabSlack);
+    return kPreferencesSize.expandedTo(whole).boundedTo(screen()->availableSize()
+                                                        - QSize(0, kPreferencesTitle));
 }
 
 QWidget* frmBrowserPreferences::MakeThumbnailFrame()
@@ -251,6 +267,9 @@ QWidget* frmBrowserPreferences::MakeSlotTab(const char* kind, Four<SlotRow>& row
     area->setWidgetResizable(true);
     area->setFocusPolicy(Qt::NoFocus);
     area->setWidget(inside);
+    // The page of the tab shows through.
+    area->viewport()->setAutoFillBackground(false);
+    inside->setAutoFillBackground(false);
     return area;
 }
 
