@@ -7,6 +7,7 @@
 #include "core/temp_folder.h"
 #include "imaging/engine.h"
 #include "platform/fake/fake_platform.h"
+#include <limits>
 
 namespace quillane {
 
@@ -232,6 +233,64 @@ TEST_F(LaunchingTest, AWallpaperThatAPersonRefusesStaysAsItWas)
     SetPhotoAsWallpaper(Picture("a.jpg", {}), fakes.Services(), Tell());
     fakes.wallpaper.ended[0](Failure(kFailureCancelled, "no"));
     EXPECT_EQ(told, QStringList("The wallpaper stays as it was."));
+}
+
+TEST_F(LaunchingTest, TheHourglassIsOnWhileTheWallpaperIsMade)
+{
+    class Watching : public WallpaperService {
+    public:
+        explicit Watching(const FakeLoop& watched) : mLoop(watched) { }
+        int depth = 0;
+        void Set(const QString&, ServiceEnded) override { depth = mLoop.HourglassDepth(); }
+
+    private:
+        const FakeLoop& mLoop;
+    } watching(fakes.loop);
+    const Platform all = fakes.Services();
+    SetPhotoAsWallpaper(Picture("a.jpg", {}),
+                        {all.dialogs, all.loop, all.launcher, all.places, all.watch, all.scanner,
+                         watching, all.mail, all.files},
+                        Tell());
+    EXPECT_EQ(watching.depth, 1);
+    EXPECT_EQ(fakes.loop.HourglassDepth(), 0);
+}
+
+TEST_F(LaunchingTest, EveryDepthBecomesABitmapOf24Bits)
+{
+    QImage grey(20, 10, QImage::Format_Grayscale8);
+    grey.fill(100);
+    QImage glass(20, 10, QImage::Format_ARGB32);
+    glass.fill(qRgba(10, 20, 30, 40));
+    QImage bits(20, 10, QImage::Format_Mono);
+    bits.fill(1);
+    int number = 0;
+    for (const QImage& image : {grey, glass, bits}) {
+        const QByteArray name = "depth" + QByteArray::number(++number) + ".png";
+        ASSERT_TRUE(image.save(folder.Path(name)));
+        SetPhotoAsWallpaper(folder.Path(name), fakes.Services(), Tell());
+        const ImageFacts facts = ProbeFile(fakes.places.Wallpaper());
+        EXPECT_EQ(facts.bits, 24) << number;
+        EXPECT_EQ(facts.width, 20) << number;
+    }
+    EXPECT_EQ(number, 3);
+}
+
+TEST_F(LaunchingTest, AQualityThatNoFormatKnowsIsTheNearestOne)
+{
+    // What a person can type into the preferences.
+    const QString file = Picture("a.jpg", {});
+    EngineInstance engine;
+    engine.Load(file, 0, 0);
+    const auto sizeWith = [&](qint32 quality) {
+        engine.Save(folder.Path("q.jpg"), 98, 24, quality, kSaveReplace);
+        return StatPath(folder.Path("q.jpg")).size;
+    };
+    for (const qint32 low : {1, 0, -7, std::numeric_limits<qint32>::min()}) {
+        EXPECT_EQ(sizeWith(low), sizeWith(2)) << low;
+    }
+    for (const qint32 high : {256, 1'000'000'000, std::numeric_limits<qint32>::max()}) {
+        EXPECT_EQ(sizeWith(high), sizeWith(255)) << high;
+    }
 }
 
 TEST_F(LaunchingTest, TheHourglassEndsWithTheRoad)

@@ -120,6 +120,8 @@ TEST_F(LaunchDesktopTest, AnApplicationIsFoundInPathAndGetsBytesAsTheyAre)
     Click("mnuCustomApp4");
     EXPECT_EQ(programs.WaitForCall("maps").arguments,
               QList<QByteArray>{BytesFromPath(folder) + name});
+    // The folder of the test can take no such name away.
+    EXPECT_EQ(::unlink((BytesFromPath(folder) + name).constData()), 0);
 }
 
 TEST_F(LaunchDesktopTest, EachWayToFailIsALineThatNamesTheToolAndNoBox)
@@ -300,6 +302,33 @@ TEST_F(LaunchDesktopTest, AMissingMailSystemSurfacesAsAnErrorInWords)
     Find<QAction>("Toolbar1_9")->trigger();
     ASSERT_TRUE(QTest::qWaitFor([&] { return !fakes.dialogs.Boxes().isEmpty(); }, kWait));
     EXPECT_TRUE(fakes.dialogs.Boxes()[0].text.startsWith("No mail program was found."));
+}
+
+TEST_F(LaunchDesktopTest, ACancelledMailSurfacesAsAnErrorAndNothingElseOpens)
+{
+    Pictures(1);
+    StartPortal(1);
+    programs.Offer("xdg-email");
+    StartOnDesktop();
+    fakes.dialogs.Answer(BoxAnswer::Ok);
+    Click("mnuEmailImages");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !fakes.dialogs.Boxes().isEmpty(); }, kWait));
+    EXPECT_EQ(fakes.dialogs.Boxes()[0].text, "The mail was cancelled.\n\nError 32755");
+    EXPECT_EQ(programs.CallCount("xdg-email"), 0);
+}
+
+TEST_F(LaunchDesktopTest, AFileThatHasGoneIsNamedAndNoMailOpens)
+{
+    Pictures(2);
+    StartPortal(0);
+    StartOnDesktop();
+    Grid()->SelectAll();
+    ASSERT_EQ(::unlink(BytesFromPath(folder + "p1.bmp").constData()), 0);
+    fakes.dialogs.Answer(BoxAnswer::Ok);
+    Click("mnuEmailImages");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !fakes.dialogs.Boxes().isEmpty(); }, kWait));
+    EXPECT_TRUE(fakes.dialogs.Boxes()[0].text.contains("p1.bmp"));
+    EXPECT_TRUE(portal->calls.isEmpty());
 }
 
 TEST_F(LaunchDesktopTest, TheEndOfTheProgramWaitsForNoTool)
