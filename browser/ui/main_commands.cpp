@@ -23,12 +23,6 @@
 
 namespace quillane {
 
-namespace {
-
-constexpr int kSlotsOfAKind = 4;
-
-} // namespace
-
 void frmBrowserMain::Command(const char* name, const std::function<void()>& command)
 {
     QAction* action = mMenus.Action(QLatin1String(name));
@@ -60,10 +54,6 @@ void frmBrowserMain::ConnectMenus()
                 UpdateImageInImageList();
             }
         });
-    }
-    for (int i = 0; i < kSlotsOfAKind; ++i) {
-        const QByteArray name = "mnuCustomApp" + QByteArray::number(i + 1);
-        Command(name.constData(), [this, i] { RunSlot(mSlots.apps[size_t(i)]); });
     }
     Command("mnuFileFiles", [this] {
         if (auto* locator = qobject_cast<QWidget*>(mWindows.Get(QStringLiteral("frmLocate")))) {
@@ -240,25 +230,6 @@ void frmBrowserMain::UpdatePopup()
     mMenus.SetEnabled(QStringLiteral("mnuPopSetWallpaper"), rules.setWallpaper);
     mMenus.SetEnabled(QStringLiteral("mnuPopEditTags"), rules.editTags);
     mMenus.SetEnabled(QStringLiteral("mnuPopShow"), rules.showAlbum);
-}
-
-void frmBrowserMain::ApplyCustomTools()
-{
-    const auto apply = [this](const QString& name, const CustomSlotEntry& state) {
-        QAction* action = mMenus.Action(name);
-        action->setVisible(state.visible);
-        action->setEnabled(state.enabled);
-        if (state.visible) {
-            action->setText(state.caption);
-        }
-    };
-    const CustomSlotEntries entries = quillane::ApplyCustomTools(mSlots);
-    for (int i = 0; i < kSlotsOfAKind; ++i) {
-        const QString number = QString::number(i + 1);
-        apply(QStringLiteral("mnuCustomTool") + number, entries.tools[size_t(i)]);
-        apply(QStringLiteral("mnuPopCustomTool") + number, entries.tools[size_t(i)]);
-        apply(QStringLiteral("mnuCustomApp") + number, entries.apps[size_t(i)]);
-    }
 }
 
 void frmBrowserMain::SetImageTool(qint32 tool)
