@@ -3,11 +3,50 @@
 #include "core/posix_error.h"
 #include "core/posix_stat.h"
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 
 namespace quillane {
+
+namespace {
+
+constexpr qsizetype kLongestFolderPath = 16384; // bytes
+
+// Opens a folder, one whose path is longer than the system takes at once in several steps. Not
+// open, with errno set, when that fails.
+FileHandle OpenFolder(const QByteArray& path)
+{
+    if (path.size() > kLongestFolderPath) {
+        errno = ENAMETOOLONG;
+        return {};
+    }
+    FileHandle folder;
+    for (qsizetype from = 0; from < path.size();) {
+        qsizetype end = path.size();
+        if (end - from >= PATH_MAX) {
+            end = path.lastIndexOf('/', from + PATH_MAX - 2);
+            if (end <= from) {
+                errno = ENAMETOOLONG;
+                return {};
+            }
+        }
+        const QByteArray piece = path.sliced(from, end - from);
+        while (end < path.size() && path[end] == '/')
+            ++end;
+        const int flags = O_DIRECTORY | O_CLOEXEC | (end < path.size() ? O_PATH : O_RDONLY);
+        const int fd = folder.IsOpen() ? openat(folder.Fd(), piece.constData(), flags)
+                                       : open(piece.constData(), flags);
+        if (fd < 0)
+            return {};
+        folder = FileHandle(fd);
+        from = end;
+    }
+    return folder;
+}
+
+} // namespace
 
 struct FolderCursor::Stream {
     DIR* folder = nullptr;
@@ -31,7 +70,7 @@ FolderCursor::FolderCursor(const QString& folder)
     const QByteArray bytes = BytesFromPath(folder);
     if (bytes.isEmpty() || bytes.contains('\0'))
         throw FailureFromErrno(ENOENT, QStringLiteral("read"), folder);
-    FileHandle handle(open(bytes.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    FileHandle handle = OpenFolder(bytes);
     if (!handle.IsOpen())
         throw FailureFromErrno(errno, QStringLiteral("read"), folder);
     mStream->folder = fdopendir(handle.Fd());
