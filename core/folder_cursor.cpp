@@ -1,12 +1,12 @@
 #include "core/folder_cursor.h"
 #include "core/failure.h"
 #include "core/posix_error.h"
+#include "core/posix_stat.h"
 #include <cerrno>
 #include <climits>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/stat.h>
 
 namespace quillane {
 
@@ -131,18 +131,7 @@ FileStat FolderCursor::Stat() const
     struct stat found;
     if (fstatat(dirfd(mStream->folder), mStream->entry->d_name, &found, 0) != 0)
         return {};
-    FileStat result;
-    if (S_ISREG(found.st_mode))
-        result.type = FileType::Regular;
-    else
-        result.type = S_ISDIR(found.st_mode) ? FileType::Folder : FileType::Other;
-    result.size = found.st_size;
-    result.modifiedSeconds = found.st_mtim.tv_sec;
-    result.modifiedNanos = qint32(found.st_mtim.tv_nsec);
-    result.device = found.st_dev;
-    result.inode = found.st_ino;
-    result.mode = found.st_mode & 07777;
-    return result;
+    return FileStatFromSystem(found);
 }
 
 } // namespace quillane

@@ -9,24 +9,19 @@
 #include "core/export_list.h"
 #include "core/file_kinds.h"
 #include "core/paths.h"
-#include "platform/file_list_mime.h"
+#include "platform/run_aside.h"
 #include "platform/ui/command_connector.h"
 #include "widgets/ui/scan_source_dialog.h"
 
 #include <QApplication>
-#include <QClipboard>
 #include <QDialog>
 #include <QLineEdit>
 #include <QPointer>
 #include <QShortcut>
+#include <memory>
+#include <utility>
 
 namespace quillane {
-
-namespace {
-
-constexpr int kSlotsOfAKind = 4;
-
-} // namespace
 
 void frmBrowserMain::Command(const char* name, const std::function<void()>& command)
 {
@@ -59,10 +54,6 @@ void frmBrowserMain::ConnectMenus()
                 UpdateImageInImageList();
             }
         });
-    }
-    for (int i = 0; i < kSlotsOfAKind; ++i) {
-        const QByteArray name = "mnuCustomApp" + QByteArray::number(i + 1);
-        Command(name.constData(), [this, i] { RunSlot(mSlots.apps[size_t(i)]); });
     }
     Command("mnuFileFiles", [this] {
         if (auto* locator = qobject_cast<QWidget*>(mWindows.Get(QStringLiteral("frmLocate")))) {
@@ -233,40 +224,12 @@ void frmBrowserMain::Tool(int index)
     }
 }
 
-void frmBrowserMain::UpdateFileMenu()
-{
-    const bool any = FileEntriesEnabled(mSession);
-    for (const char* name : {"mnuEmailImages", "mnuDelete", "mnuCopy", "mnuMove", "mnuRename",
-                             "mnuMainFilePageSetup"}) {
-        mMenus.SetEnabled(QLatin1String(name), any);
-    }
-}
-
 void frmBrowserMain::UpdatePopup()
 {
     const PopupRules rules = UpdatePopupMenu(mSession);
     mMenus.SetEnabled(QStringLiteral("mnuPopSetWallpaper"), rules.setWallpaper);
     mMenus.SetEnabled(QStringLiteral("mnuPopEditTags"), rules.editTags);
     mMenus.SetEnabled(QStringLiteral("mnuPopShow"), rules.showAlbum);
-}
-
-void frmBrowserMain::ApplyCustomTools()
-{
-    const auto apply = [this](const QString& name, const CustomSlotEntry& state) {
-        QAction* action = mMenus.Action(name);
-        action->setVisible(state.visible);
-        action->setEnabled(state.enabled);
-        if (state.visible) {
-            action->setText(state.caption);
-        }
-    };
-    const CustomSlotEntries entries = quillane::ApplyCustomTools(mSlots);
-    for (int i = 0; i < kSlotsOfAKind; ++i) {
-        const QString number = QString::number(i + 1);
-        apply(QStringLiteral("mnuCustomTool") + number, entries.tools[size_t(i)]);
-        apply(QStringLiteral("mnuPopCustomTool") + number, entries.tools[size_t(i)]);
-        apply(QStringLiteral("mnuCustomApp") + number, entries.apps[size_t(i)]);
-    }
 }
 
 void frmBrowserMain::SetImageTool(qint32 tool)
@@ -387,6 +350,9 @@ int frmBrowserMain::ViewMode() const
 
 void frmBrowserMain::RefreshFiles()
 {
+    if (mClosing) {
+        return; // nobody will see it
+    }
     const Hourglass busy(mPlatform.loop);
     BrowseImages(ViewMode());
 }
@@ -408,14 +374,29 @@ void frmBrowserMain::ShowFiles(const QVector<QString>& paths)
             mViews->AddCell(path, {});
         }
         mViews->FinishGrid();
+        UpdateFileMenu();
         return;
     }
     mViews->ClearRows(mSession.gsFileKeyword);
-    for (const QString& path : paths) {
-        const FileStat stat = StatPath(path);
-        mViews->AddRow({path, stat.size, stat.modifiedSeconds});
+    // They may lie on slow volumes. Meanwhile a folder may be chosen, or the window may go.
+    auto rows = std::make_shared<QVector<ScanRow>>();
+    const QPointer<frmBrowserMain> self(this);
+    RunAside(mPlatform.loop, [rows, paths] {
+        rows->reserve(paths.size());
+        for (const QString& path : paths) {
+            const FileStat stat = StatPath(path);
+            const bool there = stat.type != FileType::Missing;
+            rows->append({path, stat.size, there ? stat.modifiedSeconds : -1});
+        }
+    });
+    if (!self || mSession.lbFilTiffs != paths) {
+        return;
+    }
+    for (const ScanRow& row : std::as_const(*rows)) {
+        mViews->AddRow(row);
     }
     mViews->FinishRows();
+    UpdateFileMenu();
 }
 
 void frmBrowserMain::ChooseView(const ViewEntry& view)
@@ -461,14 +442,6 @@ void frmBrowserMain::OpenCurrent()
             ShowFile(mSession.gsFileName);
         }
         break;
-    }
-}
-
-void frmBrowserMain::CopyFileList()
-{
-    const QStringList paths = mViews->SelectedPaths();
-    if (!paths.isEmpty()) {
-        QApplication::clipboard()->setMimeData(FileListMimeData(paths));
     }
 }
 

@@ -64,6 +64,8 @@ void StatusPanel::paintEvent(QPaintEvent* event)
 
 StatusPanels::StatusPanels(QStatusBar* bar) : mBar(bar)
 {
+    // A line may be longer than the bar.
+    QObject::connect(bar, &QStatusBar::messageChanged, bar, &QStatusBar::setToolTip);
     for (size_t i = 0; i < mPanels.size(); ++i) {
         const PanelLook& look = kPanelLooks[i];
         auto* panel = new StatusPanel(bar);
