@@ -41,8 +41,10 @@ void frmBrowserMain::ConnectLaunching()
     for (const char* name : {"mnuWayfarix", "mnuPopWayfarix"}) {
         Command(name, [this] { ShowOnMap(); });
     }
-    Command("mnuPopSetWallpaper",
-            [this] { SetPhotoAsWallpaper(mSession.gsFileName, mPlatform, LineFor(this)); });
+    Command("mnuPopSetWallpaper", [this] {
+        const QString file = mSession.gsFileName; // another may be chosen meanwhile
+        SetPhotoAsWallpaper(file, mPlatform, LineFor(this));
+    });
     Command("mnuMainFilePreferences", [this] { ShowPreferences(); });
 }
 
@@ -75,8 +77,8 @@ void frmBrowserMain::ShowOnMap()
 {
     const QPointer<frmBrowserMain> alive(this);
     Launcher& launcher = mPlatform.launcher;
-    const MapCommand command =
-        MapRoad(mSession.gsFileName, mPlatform.places.ApplicationFolder(), mPlatform.loop);
+    const QString file = mSession.gsFileName; // another may be chosen meanwhile
+    const MapCommand command = MapRoad(file, mPlatform.places.ApplicationFolder(), mPlatform.loop);
     if (alive) {
         launcher.Run(command.program, command.arguments, {}, LineFor(this));
     }

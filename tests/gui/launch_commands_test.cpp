@@ -251,6 +251,47 @@ TEST_F(LaunchCommandsTest, AMailWithoutASelectionHasNoAttachments)
     EXPECT_EQ(fakes.mail.composed, QVector<QStringList>{QStringList()});
 }
 
+TEST_F(LaunchCommandsTest, AnotherFileChosenMeanwhileChangesNothing)
+{
+    Picture("a.jpg", {40, 30}, "JPG");
+    Picture("b.jpg", {90, 10}, "JPG");
+    Start();
+    ClickCell(0);
+    const auto choose = [this] {
+        QMetaObject::invokeMethod(
+            main.get(), [this] { ClickCell(1); }, Qt::QueuedConnection);
+    };
+    choose();
+    Click("mnuPopSetWallpaper");
+    EXPECT_EQ(session.gsFileName, folder + "b.jpg");
+    EXPECT_EQ(ProbeFile(fakes.places.Wallpaper()).width, 40);
+    ClickCell(0);
+    choose();
+    Click("mnuWayfarix");
+    EXPECT_EQ(session.gsFileName, folder + "b.jpg");
+    ASSERT_EQ(fakes.launcher.started.size(), 1);
+    EXPECT_EQ(fakes.launcher.started[0].arguments.constFirst(), folder + "a.jpg");
+}
+
+TEST_F(LaunchCommandsTest, AWindowThatGoesMeanwhileLeavesNothingBehind)
+{
+    Picture("a.jpg", {40, 30}, "JPG");
+    for (const char* entry : {"mnuPopSetWallpaper", "mnuWayfarix"}) {
+        Start();
+        QMetaObject::invokeMethod(
+            qApp,
+            [this] {
+                windows.DestroyAll();
+                main.reset();
+            },
+            Qt::QueuedConnection);
+        Click(entry);
+        EXPECT_EQ(main, nullptr) << entry;
+    }
+    EXPECT_TRUE(fakes.launcher.started.isEmpty());
+    EXPECT_TRUE(fakes.dialogs.Boxes().isEmpty());
+}
+
 TEST_F(LaunchCommandsTest, TheWallpaperTellsHowItEnded)
 {
     Pictures(1);
