@@ -142,6 +142,23 @@ TEST_F(LaunchCommandsTest, AToolThatFailsShowsNoBoxAndALineSaysWhichAndWhy)
     EXPECT_TRUE(fakes.dialogs.Boxes().isEmpty());
 }
 
+TEST_F(LaunchCommandsTest, ADesktopThatOpensNothingIsALineAndNoBox)
+{
+    Pictures(1);
+    Start();
+    fakes.launcher.fails = true;
+    for (const char* entry : {"mnuPopWindowsDefaultViewer", "mnuHelpContents", "mnuTechSupport",
+                              "mnuOnlineTutorial", "mnuQuillaneWeb"}) {
+        main->statusBar()->clearMessage();
+        Click(entry);
+        EXPECT_EQ(Line(), "Nothing opens this.") << entry;
+    }
+    main->statusBar()->clearMessage();
+    Find<QAction>("Toolbar1_2")->trigger();
+    EXPECT_EQ(Line(), "Nothing opens this.");
+    EXPECT_TRUE(fakes.dialogs.Boxes().isEmpty());
+}
+
 TEST_F(LaunchCommandsTest, AnEntryOfTheToolsMenuChoosesTheSlotAndRunsNothing)
 {
     Slot("Tool", 1, "Paint", "/opt/paint");
