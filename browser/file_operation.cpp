@@ -5,6 +5,7 @@
 #include "core/posix_error.h"
 
 #include <QCoreApplication>
+#include <QScopeGuard>
 #include <QScopedValueRollback>
 #include <algorithm>
 
@@ -76,8 +77,8 @@ void FileOperations::RunWithProgress(int steps, const std::function<void(std::at
     const Hourglass hourglass(mPlatform.loop);
     std::atomic<int> progress = 0;
     mView.ShowProgress(steps < 2 ? 1 : steps - 1);
+    const auto hide = qScopeGuard([this] { mView.HideProgress(); });
     mView.RunAlone([&] { work(progress); }, [&] { mView.SetProgress(progress); });
-    mView.HideProgress();
 }
 
 WalkResult FileOperations::Walk(WalkKind kind)
@@ -117,10 +118,11 @@ void FileOperations::TrashSelected()
         return;
     }
     const int first = files.first().position;
+    const QString folder = mSession.gsPath;
     const WalkResult result = Walk(WalkKind::Trash);
     mView.RefreshFiles();
     // The next file is looked at, as after one that was put aside.
-    if (!mSession.lbFilTiffs.isEmpty()) {
+    if (!mSession.lbFilTiffs.isEmpty() && mSession.gsPath == folder) {
         mView.MakeFileCurrent(std::min(first, int(mSession.lbFilTiffs.size()) - 1));
     }
     mView.Tell(WalkLine(WalkKind::Trash, result));
@@ -178,6 +180,12 @@ void FileOperations::RenameCurrent()
     mPlatform.loop.ProcessEvents();
     const QString fresh = mSession.gsNewName;
     if (fresh.isEmpty() || fresh == old) {
+        return;
+    }
+    // The name may hold a separator, or the folder have none at its end to join a name to.
+    if (FolderOf(fresh) != WithSeparator(mSession.gsPath) || LeafName(fresh).isEmpty()) {
+        mView.Tell(OperationText("%1 keeps its name: the new one is none of a file in this folder.")
+                       .arg(ShownName(old)));
         return;
     }
     try {

@@ -148,12 +148,14 @@ QString WalkLine(WalkKind kind, const WalkResult& result)
         WalkText("%1 of %2 %3.").arg(result.done).arg(FilesInWords(result.total), DoneWords(kind));
     if (result.trashedInstead > 0) {
         line += u' '
-            + WalkText("%1 could not be copied and went to the trash.")
-                  .arg(FilesInWords(result.trashedInstead));
+            + WalkText("%1 went to the trash instead.").arg(FilesInWords(result.trashedInstead));
     }
     if (!result.trashed.isEmpty()) {
-        line += u' ' + WalkText("Ctrl+Z brings back what is in the trash.");
+        line += u' '
+            + (result.trashed.size() == 1 ? WalkText("Ctrl+Z brings it back.")
+                                          : WalkText("Ctrl+Z brings them back."));
     }
+    // Last, because nobody knows how long it is.
     if (!result.firstFailed.isEmpty()) {
         line += u' ' + WalkText("First failed: %1").arg(result.firstFailed);
     }

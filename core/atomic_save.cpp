@@ -24,7 +24,7 @@ thread_local const SaveProbe* tScopeProbe = nullptr;
 
 const SaveProbe& ProbeOf(const SaveOptions& options)
 {
-    return options.probe || tScopeProbe == nullptr ? options.probe : *tScopeProbe;
+    return options.probe ? options.probe : ScopeProbe();
 }
 
 QByteArray AbsoluteBytes(const QByteArray& path)
@@ -360,6 +360,12 @@ private:
 };
 
 } // namespace
+
+const SaveProbe& ScopeProbe()
+{
+    static const SaveProbe none;
+    return tScopeProbe == nullptr ? none : *tScopeProbe;
+}
 
 SaveProbeScope::SaveProbeScope(SaveProbe probe)
     : mProbe(std::move(probe)),

@@ -45,6 +45,8 @@ private:
     const SaveProbe& mProbe;
 };
 
+/// The probe of the innermost SaveProbeScope of this thread; an empty one where there is none.
+const SaveProbe& ScopeProbe();
 /// The path by which this process reads an open file; empty where there is no /proc.
 QByteArray PathOfOpenFile(int fd);
 /// Reads until `size` bytes are there or the file ends; the count, or minus an error number.

@@ -13,6 +13,18 @@ namespace {
 
 constexpr int kNameLetters = 40; // as wide as so many, at first
 
+/// Why no file can have this name; empty when one can.
+QString RenameAdvice(const QString& name)
+{
+    if (name.contains(NativeSeparator())) {
+        return frmRename::tr("A name cannot contain \"%1\".").arg(NativeSeparator());
+    }
+    if (name == QLatin1String(".") || name == QLatin1String("..")) {
+        return frmRename::tr("\"%1\" is the name of a folder.").arg(name);
+    }
+    return {};
+}
+
 } // namespace
 
 frmRename::frmRename(Session& session, QWidget* parent)
@@ -35,12 +47,17 @@ frmRename::frmRename(Session& session, QWidget* parent)
     buttons->button(QDialogButtonBox::Cancel)->setObjectName(QStringLiteral("cmdCancel"));
     connect(buttons, &QDialogButtonBox::accepted, this, &frmRename::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &frmRename::reject);
-    connect(mName, &QLineEdit::textChanged, this,
-            [ok](const QString& text) { ok->setEnabled(!text.isEmpty()); });
+    auto* advice = new QLabel;
+    advice->setObjectName(QStringLiteral("lblAdvice"));
+    connect(mName, &QLineEdit::textChanged, this, [ok, advice](const QString& text) {
+        advice->setText(RenameAdvice(text));
+        ok->setEnabled(!text.isEmpty() && advice->text().isEmpty());
+    });
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(label);
     layout->addWidget(mName);
+    layout->addWidget(advice);
     layout->addWidget(buttons);
     layout->addStretch();
     // The name without its extension, which nearly always stays.

@@ -25,10 +25,12 @@ bool InputHold::eventFilter(QObject* watched, QEvent* event)
     switch (event->type()) {
     case QEvent::Close: {
         auto* window = qobject_cast<QWidget*>(watched);
-        if (!window || !event->spontaneous()) {
+        if (!window) {
             return false;
         }
-        mToClose.append(window);
+        if (!mToClose.contains(window)) {
+            mToClose.append(window);
+        }
         event->ignore();
         return true;
     }
@@ -46,6 +48,10 @@ bool InputHold::eventFilter(QObject* watched, QEvent* event)
     case QEvent::TouchBegin:
     case QEvent::TouchUpdate:
     case QEvent::TouchEnd:
+    case QEvent::TabletPress:
+    case QEvent::TabletRelease:
+    case QEvent::NativeGesture:
+    case QEvent::InputMethod:
         return true;
     default:
         return QObject::eventFilter(watched, event);

@@ -8,16 +8,17 @@
 #include "core/export_list.h"
 #include "core/file_kinds.h"
 #include "core/paths.h"
-#include "platform/file_list_mime.h"
+#include "platform/run_aside.h"
 #include "platform/ui/command_connector.h"
 #include "widgets/ui/scan_source_dialog.h"
 
 #include <QApplication>
-#include <QClipboard>
 #include <QDialog>
 #include <QLineEdit>
 #include <QPointer>
 #include <QShortcut>
+#include <memory>
+#include <utility>
 
 namespace quillane {
 
@@ -181,15 +182,6 @@ void frmBrowserMain::ConnectKeys()
     key(QKeySequence(Qt::CTRL | Qt::Key_D), [this] { mDirPath->setFocus(); });
 }
 
-void frmBrowserMain::UpdateFileMenu()
-{
-    const bool any = FileEntriesEnabled(mSession);
-    for (const char* name : {"mnuEmailImages", "mnuDelete", "mnuCopy", "mnuMove", "mnuRename",
-                             "mnuMainFilePageSetup"}) {
-        mMenus.SetEnabled(QLatin1String(name), any);
-    }
-}
-
 void frmBrowserMain::UpdatePopup()
 {
     const PopupRules rules = UpdatePopupMenu(mSession);
@@ -310,6 +302,9 @@ int frmBrowserMain::ViewMode() const
 
 void frmBrowserMain::RefreshFiles()
 {
+    if (mClosing) {
+        return; // nobody will see it
+    }
     const Hourglass busy(mPlatform.loop);
     BrowseImages(ViewMode());
 }
@@ -331,14 +326,29 @@ void frmBrowserMain::ShowFiles(const QVector<QString>& paths)
             mViews->AddCell(path, {});
         }
         mViews->FinishGrid();
+        UpdateFileMenu();
         return;
     }
     mViews->ClearRows(mSession.gsFileKeyword);
-    for (const QString& path : paths) {
-        const FileStat stat = StatPath(path);
-        mViews->AddRow({path, stat.size, stat.modifiedSeconds});
+    // They may lie on slow volumes. Meanwhile a folder may be chosen, or the window may go.
+    auto rows = std::make_shared<QVector<ScanRow>>();
+    const QPointer<frmBrowserMain> self(this);
+    RunAside(mPlatform.loop, [rows, paths] {
+        rows->reserve(paths.size());
+        for (const QString& path : paths) {
+            const FileStat stat = StatPath(path);
+            const bool there = stat.type != FileType::Missing;
+            rows->append({path, stat.size, there ? stat.modifiedSeconds : -1});
+        }
+    });
+    if (!self || mSession.lbFilTiffs != paths) {
+        return;
+    }
+    for (const ScanRow& row : std::as_const(*rows)) {
+        mViews->AddRow(row);
     }
     mViews->FinishRows();
+    UpdateFileMenu();
 }
 
 void frmBrowserMain::ChooseView(const ViewEntry& view)
@@ -384,14 +394,6 @@ void frmBrowserMain::OpenCurrent()
             ShowFile(mSession.gsFileName);
         }
         break;
-    }
-}
-
-void frmBrowserMain::CopyFileList()
-{
-    const QStringList paths = mViews->SelectedPaths();
-    if (!paths.isEmpty()) {
-        QApplication::clipboard()->setMimeData(FileListMimeData(paths));
     }
 }
 

@@ -1,11 +1,15 @@
-// What the file operations ask of the main window.
+// File operations of the main window: what they ask of it, and the list of files that is copied.
 #include "browser/ui/frmBrowserMain.h"
+
+#include "browser/enabling.h"
 #include "browser/ui/frmRename.h"
 #include "browser/ui/input_hold.h"
+#include "platform/file_list_mime.h"
 #include "platform/run_aside.h"
 #include "widgets/ui/frmBrowse.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QTimer>
 
 namespace quillane {
@@ -15,6 +19,23 @@ namespace {
 constexpr int kWalkTick = 100; // milliseconds between two looks at how far a walk is
 
 } // namespace
+
+void frmBrowserMain::UpdateFileMenu()
+{
+    const bool any = FileEntriesEnabled(mSession);
+    for (const char* name : {"mnuEmailImages", "mnuDelete", "mnuCopy", "mnuMove", "mnuRename",
+                             "mnuMainFilePageSetup"}) {
+        mMenus.SetEnabled(QLatin1String(name), any);
+    }
+}
+
+void frmBrowserMain::CopyFileList()
+{
+    const QStringList paths = mViews->SelectedPaths();
+    if (!paths.isEmpty()) {
+        QApplication::clipboard()->setMimeData(FileListMimeData(paths));
+    }
+}
 
 void frmBrowserMain::PickFolder(const QString& caption)
 {
@@ -60,6 +81,8 @@ void frmBrowserMain::MakeFileCurrent(int position)
 {
     const QSignalBlocker quiet(mViews);
     if (mViews->ThumbnailsShown()) {
+        mViews->Grid()->SelectAll(false);
+        mViews->Grid()->SetSelected(position, true);
         mViews->Grid()->MakeCurrent(position);
     } else {
         mViews->List()->MakeCurrent(position);

@@ -65,6 +65,7 @@ void frmBrowserMain::AddStockCell(const QString& path, StockPicture picture)
 void frmBrowserMain::FinishGrid()
 {
     mViews->FinishGrid();
+    UpdateFileMenu(); // its keys work without the menu being opened
 }
 
 int frmBrowserMain::CellCount() const
@@ -107,6 +108,7 @@ void frmBrowserMain::SetRowTags(int row, const std::array<QString, 4>& tags)
 void frmBrowserMain::FinishRows()
 {
     mViews->FinishRows();
+    UpdateFileMenu();
 }
 
 int frmBrowserMain::RowCount() const

@@ -3,9 +3,11 @@
 #include "core/atomic_save.h"
 #include "core/failure.h"
 #include "core/file_attributes.h"
+#include "core/paths.h"
 #include "core/posix_error.h"
 #include "core/save_journal.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
@@ -19,14 +21,38 @@ namespace quillane {
 
 namespace {
 
-constexpr size_t kCopyPiece = size_t(256) << 20; // bytes asked for at once
+constexpr qint64 kCopyPiece = qint64(256) << 20; // bytes asked for at once
+constexpr qsizetype kHandful = 256 * 1024;       // bytes, where they go through our hands
 constexpr int kCopyNameTries = 16;
 constexpr mode_t kPermissions = 0777;
 
+QString CopyAdvice(int error)
+{
+    switch (error) {
+    case ENOSPC:
+    case EDQUOT:
+        return QStringLiteral("Make room there, or choose another folder.");
+    case ENAMETOOLONG:
+        return QStringLiteral("Give it a shorter name.");
+    case EMFILE:
+    case ENFILE:
+        return WriteAdvice(error);
+    default:
+        return QStringLiteral("Choose another folder.");
+    }
+}
+
 [[noreturn]] void CopyFailed(int error, const QString& to)
 {
-    const Failure reason = FailureFromErrno(error, QStringLiteral("write"), to);
-    throw Failure(reason.Number(), reason.Description() + u' ' + WriteAdvice(error));
+    if (error == ENOENT || error == ENOTDIR) {
+        const bool folder = StatPath(FolderOf(to)).type == FileType::Folder;
+        const QString words = folder
+            ? QStringLiteral("Cannot copy %1: nothing can be put into %2. Choose another folder.")
+            : QStringLiteral("Cannot copy %1: there is no folder %2 any more.");
+        throw Failure(kFailureNoFile, words.arg(ShownName(to), ShownName(FolderOf(to))));
+    }
+    const Failure reason = FailureFromErrno(error, QStringLiteral("copy"), to);
+    throw Failure(reason.Number(), reason.Description() + u' ' + CopyAdvice(error));
 }
 
 void CopyFailedIf(int error, const QString& to)
@@ -86,7 +112,7 @@ public:
         const bool replaces =
             CheckCopyTarget({source.st_dev, source.st_ino}, mFrom, mTo, mWish.keep);
         OpenDraft();
-        CopyContent(source.st_size);
+        CopyContent(source);
         KeepFacts(source);
         if (replaces || mWish.sync) {
             CopyFailedIf(mCalls.Sync(mDraft.Fd()), mTo);
@@ -120,28 +146,87 @@ private:
         CopyFailedIf(error, mTo);
     }
 
-    void CopyContent(qint64 size)
+    void CopyContent(const struct stat& source)
     {
-        if (size > 0 && ioctl(mDraft.Fd(), FICLONE, mSource.Fd()) == 0) {
+        constexpr qint64 kBlock = 512; // st_blocks counts these, whatever the volume's own are
+        const qint64 size = source.st_size;
+        if (size == 0) {
+            // Some special file systems tell no size.
+            CopyFailedIf(mCalls.CopyContent(mSource.Fd(), mDraft.Fd()), mTo);
+            return;
+        }
+        if (!mProbe && ioctl(mDraft.Fd(), FICLONE, mSource.Fd()) == 0) {
             return; // the volume lets both share their content
+        }
+        if (source.st_blocks < size / kBlock && CopyAroundHoles(size)) {
+            return;
         }
         // The room is asked for first, so that a volume that is full says so before the work.
         CopyFailedIf(mCalls.Reserve(mDraft.Fd(), size), mTo);
-        for (bool any = false;; any = true) {
-            const ssize_t count =
-                copy_file_range(mSource.Fd(), nullptr, mDraft.Fd(), nullptr, kCopyPiece, 0);
-            if (count > 0 || (count < 0 && errno == EINTR)) {
+        CopyPiece(0, LLONG_MAX); // to its end, should it have grown
+    }
+
+    /// What holds nothing stays a hole and takes no room. False when the volume does not tell.
+    bool CopyAroundHoles(qint64 size)
+    {
+        for (off_t at = 0; at < size;) {
+            const off_t start = lseek(mSource.Fd(), at, SEEK_DATA);
+            if (start < 0 && errno == ENXIO) {
+                break; // a hole up to the end
+            }
+            const off_t end = start < 0 ? -1 : lseek(mSource.Fd(), start, SEEK_HOLE);
+            if (end < 0) {
+                return false;
+            }
+            CopyPiece(start, end);
+            at = end;
+        }
+        CopyFailedIf(mCalls.Resize(mDraft.Fd(), size), mTo);
+        return true;
+    }
+
+    /// The bytes from `start` up to `end`, or to where the source ends.
+    void CopyPiece(off_t start, off_t end)
+    {
+        off_t in = start;
+        off_t out = start;
+        while (in < end) {
+            qint64 count = std::min<qint64>(kCopyPiece, end - in);
+            CopyFailedIf(mProbe ? mProbe(SaveStep::Write, count) : 0, mTo);
+            const ssize_t done =
+                copy_file_range(mSource.Fd(), &in, mDraft.Fd(), &out, size_t(count), 0);
+            if (done > 0 || (done < 0 && errno == EINTR)) {
                 continue;
             }
             // Some special file systems say at once that there is nothing.
-            if (count == 0 && (any || size == 0)) {
+            if (done == 0 && in > start) {
                 return;
             }
-            if (count < 0 && !HasNoShortWay(errno)) {
+            if (done < 0 && !HasNoShortWay(errno)) {
                 CopyFailed(errno, mTo);
             }
-            CopyFailedIf(mCalls.CopyContent(mSource.Fd(), mDraft.Fd()), mTo);
+            CopyByHand(in, end);
             return;
+        }
+    }
+
+    void CopyByHand(off_t at, off_t end)
+    {
+        QByteArray bytes(kHandful, Qt::Uninitialized);
+        if (lseek(mDraft.Fd(), at, SEEK_SET) != at) {
+            CopyFailed(errno, mTo);
+        }
+        while (at < end) {
+            const qint64 count =
+                ReadAt(mSource.Fd(), bytes.data(), std::min<qint64>(bytes.size(), end - at), at);
+            if (count < 0) {
+                throw FailureFromErrno(int(-count), QStringLiteral("read"), mFrom);
+            }
+            if (count == 0) {
+                return;
+            }
+            CopyFailedIf(mCalls.Write(mDraft.Fd(), QByteArrayView(bytes).first(count)), mTo);
+            at += count;
         }
     }
 
@@ -191,7 +276,7 @@ private:
 
     const QString mFrom, mTo;
     const CopyWish& mWish;
-    const SaveProbe mProbe;
+    const SaveProbe& mProbe = ScopeProbe();
     const SaveCalls mCalls{mProbe};
     SaveJournal mJournal{mCalls}; // goes after the temporary file
     QByteArray mTarget, mFolder;

@@ -130,8 +130,8 @@ TEST_F(FileOperationTest, AMoveWhoseCopyFailsEndsInTheTrashAndComesBack)
     EXPECT_FALSE(Left().contains("/p/a.jpg"));
     EXPECT_TRUE(Left().contains("/t/c.jpg"));
     EXPECT_EQ(line,
-              "1 of 2 files moved. 1 file could not be copied and went to the trash. Ctrl+Z "
-              "brings back what is in the trash. First failed: The disk is full.");
+              "1 of 2 files moved. 1 file went to the trash instead. Ctrl+Z brings it back. First "
+              "failed: The disk is full.");
     operations.BringBack();
     EXPECT_TRUE(Left().contains("/p/a.jpg"));
     EXPECT_EQ(line, "1 of 1 file brought back from the trash.");
@@ -305,7 +305,7 @@ TEST_F(FileOperationTest, TheDeleteKeyMovesToTheTrashWithoutAsking)
     EXPECT_EQ(fakes.files.calls, (QStringList{"trash /p/a.jpg", "trash /p/c.jpg"}));
     EXPECT_EQ(refreshed, 1);
     EXPECT_EQ(current, 0);
-    EXPECT_EQ(line, "2 of 2 files moved to the trash. Ctrl+Z brings back what is in the trash.");
+    EXPECT_EQ(line, "2 of 2 files moved to the trash. Ctrl+Z brings them back.");
     operations.BringBack();
     EXPECT_TRUE(Left().contains("/p/a.jpg"));
     EXPECT_TRUE(Left().contains("/p/c.jpg"));

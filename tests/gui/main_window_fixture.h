@@ -56,7 +56,7 @@ protected:
         main = std::make_unique<frmBrowserMain>(session, store, Services(), windows);
         main->Load();
     }
-    Platform Services() { return fakes.Services(loop); }
+    virtual Platform Services() { return fakes.Services(loop); }
     /// No scan is running: its panel tells the count.
     bool Rested() const
     {

@@ -3,7 +3,6 @@
 #include "core/temp_folder.h"
 #include "platform/file_list_mime.h"
 
-
 namespace quillane {
 
 namespace {
@@ -26,6 +25,10 @@ TEST(ClipFiles, ARecordReadsTheFileWhenItsNameIsSet)
     EXPECT_EQ(info.Size(), 5);
     EXPECT_TRUE(info.Modified().isValid());
     EXPECT_EQ(info.Extension(), "JPG");
+    folder.MakeFolder("two.parts");
+    folder.Write("two.parts/none");
+    info.SetName(folder.Path("two.parts/none"));
+    EXPECT_EQ(info.Extension(), "parts/none"); // behind the last one of the whole path
     cFileInfo missing;
     missing.SetName(folder.Path("gone.jpg"));
     EXPECT_EQ(missing.Name(), folder.Path("gone.jpg"));

@@ -1,11 +1,32 @@
 #include "platform/desktop/trash.h"
 
 #include "core/expect_failure.h"
+#include "core/paths.h"
 #include "core/temp_folder.h"
+
+#include <QProcess>
 
 namespace quillane {
 
 namespace {
+
+/// What another program that knows the trash prints, of the home trash in `data`.
+QByteArray OtherReader(const QString& program, const TempFolder& home, const QByteArray& input = {})
+{
+    QProcess reader;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("HOME"), home.Path("home"));
+    environment.insert(QStringLiteral("XDG_DATA_HOME"), home.Path("data"));
+    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    reader.setProcessEnvironment(environment);
+    reader.setWorkingDirectory(WithoutSeparator(home.Path("pictures")));
+    reader.start(program, {});
+    reader.write(input);
+    reader.closeWriteChannel();
+    EXPECT_TRUE(reader.waitForFinished()) << program.toStdString();
+    EXPECT_EQ(reader.exitCode(), 0) << reader.readAllStandardError().constData();
+    return reader.readAllStandardOutput();
+}
 
 TEST(Trash, AFileGoesToTheHomeTrashWithItsNote)
 {
@@ -67,6 +88,10 @@ TEST(Trash, AnotherVolumeHasItsOwn)
     EXPECT_TRUE(file.trashed.startsWith("/dev/shm/.Trash")) << file.trashed.toStdString();
     const QByteArray note = ReadWholeFile(file.info, 4096);
     EXPECT_TRUE(note.contains("Path=quillane-test-")) << note.constData();
+    home.MakeFolder("home");
+    home.MakeFolder("pictures");
+    const QByteArray listed = OtherReader(QStringLiteral("trash-list"), home);
+    EXPECT_TRUE(listed.contains(' ' + other.Bytes("x.jpg") + '\n')) << listed.constData();
     BringBackFromTrash(file);
     EXPECT_EQ(other.Content("x.jpg"), "one");
     EXPECT_EQ(StatPath(file.info).type, FileType::Missing);
@@ -88,6 +113,38 @@ TEST(Trash, WhatIsGoneFailsAndNothingIsLeft)
     ASSERT_TRUE(RemoveFile(file.trashed));
     folder.MakeFolder("sub");
     EXPECT_EQ(FailureOf([&] { BringBackFromTrash(file); }), kFailureNoFile);
+}
+
+TEST(Trash, OtherProgramsListAndRestoreWhatIsPutThere)
+{
+    const TempFolder folder;
+    folder.MakeFolder("home");
+    folder.MakeFolder("pictures");
+    for (const QByteArray name : {"plain.jpg", "two words.jpg", "100%41 [x]&=+;#?.jpg",
+                                  "Gr\xc3\xbc\xc3\x9f"
+                                  "e.jpg"}) {
+        folder.Write("pictures/" + name, name);
+        MoveToTrash(folder.Path("pictures/" + name), folder.Path("data/Trash"));
+        EXPECT_EQ(StatPath(folder.Path("pictures/" + name)).type, FileType::Missing);
+        const QByteArray listed = OtherReader(QStringLiteral("trash-list"), folder);
+        EXPECT_TRUE(listed.contains(' ' + folder.Bytes("pictures/" + name) + '\n'))
+            << listed.constData();
+        OtherReader(QStringLiteral("trash-restore"), folder, "0\n");
+        EXPECT_EQ(folder.Content("pictures/" + name), name);
+        EXPECT_EQ(OtherReader(QStringLiteral("trash-list"), folder), "");
+    }
+}
+
+TEST(Trash, WhatOthersHaveRestoredIsNotBroughtBackAgain)
+{
+    const TempFolder folder;
+    folder.MakeFolder("home");
+    folder.MakeFolder("pictures");
+    folder.Write("pictures/x.jpg", "one");
+    const TrashedFile file = MoveToTrash(folder.Path("pictures/x.jpg"), folder.Path("data/Trash"));
+    OtherReader(QStringLiteral("trash-restore"), folder, "0\n");
+    EXPECT_EQ(FailureOf([&] { BringBackFromTrash(file); }), kFailureNoFile);
+    EXPECT_EQ(folder.Content("pictures/x.jpg"), "one");
 }
 
 TEST(Trash, AFileOrALinkInTheTrashsPlaceIsNoTrash)

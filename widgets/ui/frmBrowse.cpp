@@ -26,6 +26,7 @@ frmBrowse::frmBrowse(Session& session, Dialogs& dialogs, const QString& home, QW
     : QDialog(parent),
       mSession(session),
       mTree(new FolderTree(dialogs)),
+      mSelect(BrowseButton("cmdSelect", tr("&Select"))),
       mNewFolder(BrowseButton("cmdNewFolder", tr("&New Folder")))
 {
     setObjectName(QStringLiteral("frmBrowse"));
@@ -35,10 +36,11 @@ frmBrowse::frmBrowse(Session& session, Dialogs& dialogs, const QString& home, QW
     mTree->setAccessibleName(tr("Folders"));
     mNewFolder->setToolTip(tr("Make a folder in the selected one"));
 
-    QPushButton* select = BrowseButton("cmdSelect", tr("&Select"));
-    select->setDefault(true);
+    // Until the tree has found what is selected in it there is nothing to go by.
+    mSelect->setEnabled(false);
+    mSelect->setDefault(true);
     QPushButton* cancel = BrowseButton("cmdCancel", tr("&Cancel"));
-    connect(select, &QPushButton::clicked, this, &QDialog::accept);
+    connect(mSelect, &QPushButton::clicked, this, &QDialog::accept);
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     connect(mNewFolder, &QPushButton::clicked, this, [this] { mTree->NewFolder(true); });
     connect(mTree, &FolderTree::nodeSelected, this,
@@ -47,7 +49,7 @@ frmBrowse::frmBrowse(Session& session, Dialogs& dialogs, const QString& home, QW
     auto* buttons = new QHBoxLayout;
     buttons->addWidget(mNewFolder);
     buttons->addStretch();
-    buttons->addWidget(select);
+    buttons->addWidget(mSelect);
     buttons->addWidget(cancel);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(mTree, 1);
@@ -63,12 +65,14 @@ void frmBrowse::PickFiles(const QString& selected)
     mTree->SetShowFiles(true);
     mTree->setAccessibleName(tr("Folders and files"));
     mNewFolder->setEnabled(false);
+    mSelect->setEnabled(false);
     mTree->Select(selected);
 }
 
 void frmBrowse::NodeSelected(const QString& path)
 {
     mSession.browsePath = IsDriveRoot(path) ? path : path + SeparatorOf(path);
+    mSelect->setEnabled(true);
 }
 
 void frmBrowse::reject()

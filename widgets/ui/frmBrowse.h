@@ -28,6 +28,7 @@ private:
 
     Session& mSession;
     FolderTree* mTree;       ///< FolderView1
+    QPushButton* mSelect;    ///< cmdSelect
     QPushButton* mNewFolder; ///< cmdNewFolder
 };
 
