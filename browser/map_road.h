@@ -15,7 +15,8 @@ struct MapCommand {
 
 /// "Wayfarix.exe" in the application's folder (with its separator). For a file that is not
 /// IsImageFile there are no arguments; else the file, and the tags Lat, Long and Elevation of its
-/// description. Failure when the picture cannot be read. Events are handled meanwhile.
+/// description. Failure when the picture cannot be read. Events are handled
+/// meanwhile, and `file` must stand through them.
 MapCommand MapRoad(const QString& file, const QString& applicationFolder, UiLoop& loop);
 
 } // namespace quillane

@@ -1,7 +1,6 @@
 // Commands of the main window: menus, tool bar, views, keys.
 #include "browser/ui/frmBrowserMain.h"
 
-#include "browser/about_text.h"
 #include "browser/enabling.h"
 #include "browser/open_road.h"
 #include "browser/tree_node.h"
@@ -80,15 +79,6 @@ void frmBrowserMain::ConnectMenus()
             UpdateImageInImageList();
         }
     });
-    Command("mnuHelpContents", [this] { SystemOpen(mPlatform.places.HelpFile()); });
-    const std::pair<const char*, QString> pages[] = {{"mnuTechSupport", SupportPage()},
-                                                     {"mnuOnlineTutorial", TutorialPage()},
-                                                     {"mnuQuillaneWeb", MakerSite()}};
-    for (const auto& [name, address] : pages) {
-        Command(name, [this, page = address] {
-            ResumeNext([&] { mPlatform.launcher.OpenAddress(page); });
-        });
-    }
     Command("mnuHelpAbout", [this] { ShowAbout(); });
 
     connect(mMenus.Menu(QStringLiteral("mnuMainFile")), &QMenu::aboutToShow, this,
@@ -192,38 +182,6 @@ void frmBrowserMain::ConnectKeys()
     key(QKeySequence(Qt::CTRL | Qt::Key_D), [this] { mDirPath->setFocus(); });
 }
 
-void frmBrowserMain::Tool(int index)
-{
-    switch (index) {
-    case 1:
-        ImageTool(mSession.gsImageTool);
-        break;
-    case 2:
-        ResumeNext([&] { mPlatform.launcher.FindIn(mSession.gsPath); });
-        break;
-    case 3:
-        SearchSettings();
-        break;
-    case 6:
-        Acquire();
-        break;
-    case 7:
-        ResumeNext([&] {
-            mPlatform.launcher.Run(
-                mPlatform.places.ApplicationFolder() + QStringLiteral("VideoCapture"), {});
-        });
-        break;
-    case 9:
-        SendImages();
-        break;
-    case 10:
-        ShowAlbum();
-        break;
-    default:
-        break;
-    }
-}
-
 void frmBrowserMain::UpdatePopup()
 {
     const PopupRules rules = UpdatePopupMenu(mSession);
@@ -262,12 +220,6 @@ void frmBrowserMain::ImageTool(qint32 tool)
             }
         }
     }
-}
-
-void frmBrowserMain::SystemOpen(const QString& path)
-{
-    // What the system makes of the file, or that nothing opens it, is its own matter.
-    ResumeNext([&] { mPlatform.launcher.OpenPath(path); });
 }
 
 void frmBrowserMain::OpenImage()

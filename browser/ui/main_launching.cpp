@@ -1,6 +1,7 @@
 // Commands of the main window that reach other programs, and its preferences.
 #include "browser/ui/frmBrowserMain.h"
 
+#include "browser/about_text.h"
 #include "browser/launching.h"
 #include "browser/map_road.h"
 #include "browser/ui/frmBrowserPreferences.h"
@@ -27,6 +28,16 @@ TellLine LineFor(frmBrowserMain* window)
     };
 }
 
+/// Asks the desktop for something; that it cannot do it is a quiet line, and never a box.
+void AskDesktop(frmBrowserMain& window, const std::function<void()>& ask)
+{
+    try {
+        ask();
+    } catch (const Failure& failure) {
+        window.Tell(failure.Description());
+    }
+}
+
 } // namespace
 
 void frmBrowserMain::ConnectLaunching()
@@ -41,9 +52,58 @@ void frmBrowserMain::ConnectLaunching()
     for (const char* name : {"mnuWayfarix", "mnuPopWayfarix"}) {
         Command(name, [this] { ShowOnMap(); });
     }
-    Command("mnuPopSetWallpaper",
-            [this] { SetPhotoAsWallpaper(mSession.gsFileName, mPlatform, LineFor(this)); });
+    Command("mnuPopSetWallpaper", [this] {
+        const QString file = mSession.gsFileName; // another may be chosen meanwhile
+        SetPhotoAsWallpaper(file, mPlatform, LineFor(this));
+    });
+    Command("mnuHelpContents", [this] { SystemOpen(mPlatform.places.HelpFile()); });
+    const std::pair<const char*, QString> pages[] = {{"mnuTechSupport", SupportPage()},
+                                                     {"mnuOnlineTutorial", TutorialPage()},
+                                                     {"mnuQuillaneWeb", MakerSite()}};
+    for (const auto& [name, address] : pages) {
+        Command(name, [this, page = address] {
+            AskDesktop(*this, [&] { mPlatform.launcher.OpenAddress(page); });
+        });
+    }
     Command("mnuMainFilePreferences", [this] { ShowPreferences(); });
+}
+
+void frmBrowserMain::Tool(int index)
+{
+    switch (index) {
+    case 1:
+        ImageTool(mSession.gsImageTool);
+        break;
+    case 2:
+        AskDesktop(*this, [&] { mPlatform.launcher.FindIn(mSession.gsPath); });
+        break;
+    case 3:
+        SearchSettings();
+        break;
+    case 6:
+        Acquire();
+        break;
+    case 7:
+        AskDesktop(*this, [&] {
+            mPlatform.launcher.Run(
+                mPlatform.places.ApplicationFolder() + QStringLiteral("VideoCapture"), {});
+        });
+        break;
+    case 9:
+        SendImages();
+        break;
+    case 10:
+        ShowAlbum();
+        break;
+    default:
+        break;
+    }
+}
+
+void frmBrowserMain::SystemOpen(const QString& path)
+{
+    // What the system makes of the file is its own matter.
+    AskDesktop(*this, [&] { mPlatform.launcher.OpenPath(path); });
 }
 
 void frmBrowserMain::ApplyCustomTools()
@@ -75,8 +135,8 @@ void frmBrowserMain::ShowOnMap()
 {
     const QPointer<frmBrowserMain> alive(this);
     Launcher& launcher = mPlatform.launcher;
-    const MapCommand command =
-        MapRoad(mSession.gsFileName, mPlatform.places.ApplicationFolder(), mPlatform.loop);
+    const QString file = mSession.gsFileName; // another may be chosen meanwhile
+    const MapCommand command = MapRoad(file, mPlatform.places.ApplicationFolder(), mPlatform.loop);
     if (alive) {
         launcher.Run(command.program, command.arguments, {}, LineFor(this));
     }

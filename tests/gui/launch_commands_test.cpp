@@ -142,6 +142,23 @@ TEST_F(LaunchCommandsTest, AToolThatFailsShowsNoBoxAndALineSaysWhichAndWhy)
     EXPECT_TRUE(fakes.dialogs.Boxes().isEmpty());
 }
 
+TEST_F(LaunchCommandsTest, ADesktopThatOpensNothingIsALineAndNoBox)
+{
+    Pictures(1);
+    Start();
+    fakes.launcher.fails = true;
+    for (const char* entry : {"mnuPopWindowsDefaultViewer", "mnuHelpContents", "mnuTechSupport",
+                              "mnuOnlineTutorial", "mnuQuillaneWeb"}) {
+        main->statusBar()->clearMessage();
+        Click(entry);
+        EXPECT_EQ(Line(), "Nothing opens this.") << entry;
+    }
+    main->statusBar()->clearMessage();
+    Find<QAction>("Toolbar1_2")->trigger();
+    EXPECT_EQ(Line(), "Nothing opens this.");
+    EXPECT_TRUE(fakes.dialogs.Boxes().isEmpty());
+}
+
 TEST_F(LaunchCommandsTest, AnEntryOfTheToolsMenuChoosesTheSlotAndRunsNothing)
 {
     Slot("Tool", 1, "Paint", "/opt/paint");
@@ -249,6 +266,47 @@ TEST_F(LaunchCommandsTest, AMailWithoutASelectionHasNoAttachments)
     EXPECT_FALSE(Grid()->IsSelected(0));
     Click("mnuPopEmail");
     EXPECT_EQ(fakes.mail.composed, QVector<QStringList>{QStringList()});
+}
+
+TEST_F(LaunchCommandsTest, AnotherFileChosenMeanwhileChangesNothing)
+{
+    Picture("a.jpg", {40, 30}, "JPG");
+    Picture("b.jpg", {90, 10}, "JPG");
+    Start();
+    ClickCell(0);
+    const auto choose = [this] {
+        QMetaObject::invokeMethod(
+            main.get(), [this] { ClickCell(1); }, Qt::QueuedConnection);
+    };
+    choose();
+    Click("mnuPopSetWallpaper");
+    EXPECT_EQ(session.gsFileName, folder + "b.jpg");
+    EXPECT_EQ(ProbeFile(fakes.places.Wallpaper()).width, 40);
+    ClickCell(0);
+    choose();
+    Click("mnuWayfarix");
+    EXPECT_EQ(session.gsFileName, folder + "b.jpg");
+    ASSERT_EQ(fakes.launcher.started.size(), 1);
+    EXPECT_EQ(fakes.launcher.started[0].arguments.constFirst(), folder + "a.jpg");
+}
+
+TEST_F(LaunchCommandsTest, AWindowThatGoesMeanwhileLeavesNothingBehind)
+{
+    Picture("a.jpg", {40, 30}, "JPG");
+    for (const char* entry : {"mnuPopSetWallpaper", "mnuWayfarix"}) {
+        Start();
+        QMetaObject::invokeMethod(
+            qApp,
+            [this] {
+                windows.DestroyAll();
+                main.reset();
+            },
+            Qt::QueuedConnection);
+        Click(entry);
+        EXPECT_EQ(main, nullptr) << entry;
+    }
+    EXPECT_TRUE(fakes.launcher.started.isEmpty());
+    EXPECT_TRUE(fakes.dialogs.Boxes().isEmpty());
 }
 
 TEST_F(LaunchCommandsTest, TheWallpaperTellsHowItEnded)

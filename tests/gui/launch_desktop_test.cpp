@@ -10,6 +10,7 @@
 #include "platform/stub_desktop.h"
 
 #include <QStatusBar>
+#include <QTableView>
 #include <QtDBus/QDBusConnection>
 
 namespace quillane {
@@ -292,6 +293,28 @@ TEST_F(LaunchDesktopTest, WithoutAPortalXdgEmailGetsTheMail)
               (QList<QByteArray>{"--attach", BytesFromPath(folder) + "p0.bmp", "--attach",
                                  BytesFromPath(folder) + "p1.bmp"}));
     EXPECT_TRUE(fakes.dialogs.Boxes().isEmpty());
+}
+
+TEST_F(LaunchDesktopTest, TheAlbumMailsItsSelectedRowsInTheirOrder)
+{
+    Pictures(3);
+    programs.Offer("xdg-email");
+    StartOnDesktop();
+    session.lbExportList = {folder + "p2.bmp", folder + "p1.bmp", folder + "p0.bmp"};
+    Click("mnuShowEditImageFileList");
+    auto* album = qobject_cast<QWidget*>(windows.Loaded("frmBrowserImageFileList"));
+    ASSERT_NE(album, nullptr);
+    auto* rows = album->findChild<QTableView*>("lvImageFileList");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return rows->model()->rowCount() == 3; }, kWait));
+    for (const int row : {2, 0}) {
+        QTest::mouseClick(rows->viewport(), Qt::LeftButton,
+                          row == 0 ? Qt::ControlModifier : Qt::NoModifier,
+                          rows->visualRect(rows->model()->index(row, 0)).center());
+    }
+    album->findChild<QAction*>("mnuSend")->trigger();
+    EXPECT_EQ(programs.WaitForCall("xdg-email").arguments,
+              (QList<QByteArray>{"--attach", BytesFromPath(folder) + "p2.bmp", "--attach",
+                                 BytesFromPath(folder) + "p0.bmp"}));
 }
 
 TEST_F(LaunchDesktopTest, AMissingMailSystemSurfacesAsAnErrorInWords)
