@@ -2,17 +2,16 @@
 
 #include "core/atomic_save.h"
 #include "core/failure.h"
+#include "core/text_lines.h"
 #include "imaging/comments/text_bytes.h"
 
 #include <QCoreApplication>
 #include <algorithm>
-#include <optional>
 
 namespace quillane {
 
 namespace {
 
-constexpr char kAlbumByteOrderMark[] = "\xef\xbb\xbf";
 constexpr char kAlbumFileLineEnd[] = "\r\n";
 constexpr int kMostKeptAlbums = 20; // old files beside one album
 
@@ -20,37 +19,6 @@ QString AlbumWords(const char* words)
 {
     return QCoreApplication::translate("Album", words);
 }
-
-/// The lines of an album without their ends, one at a time.
-class AlbumFileLines {
-public:
-    explicit AlbumFileLines(QByteArrayView bytes) : mBytes(bytes)
-    {
-        if (mBytes.startsWith(kAlbumByteOrderMark)) {
-            mBytes = mBytes.sliced(3);
-        }
-    }
-    /// The next line; nothing at the end.
-    std::optional<QByteArrayView> Next()
-    {
-        if (mBytes.isEmpty()) {
-            return {};
-        }
-        ++mNumber;
-        const qsizetype end = mBytes.indexOf('\n');
-        QByteArrayView line = end < 0 ? mBytes : mBytes.first(end);
-        mBytes = end < 0 ? QByteArrayView() : mBytes.sliced(end + 1);
-        if (line.endsWith('\r')) {
-            line.chop(1);
-        }
-        return line;
-    }
-    qint64 Number() const { return mNumber; } ///< of the last line, from 1
-
-private:
-    QByteArrayView mBytes;
-    qint64 mNumber = 0;
-};
 
 bool IsAlbumHash(QByteArrayView line)
 {
@@ -65,14 +33,47 @@ bool HasEscapedBytes(QStringView path)
 }
 
 /// Whether the line may be part of an album; else says why not.
-bool TakesAlbumLine(QByteArrayView line, const AlbumFileLines& lines, AlbumText& album)
+bool TakesAlbumLine(QByteArrayView line, const TextLines& lines, AlbumText& album)
 {
     if (line.size() > kMaxAlbumLine) {
         album.endedEarly = AlbumWords("Line %1 is too long for a path").arg(lines.Number());
-    } else if (album.paths.size() >= kMaxAlbumPaths) {
-        album.endedEarly = AlbumWords("There are more than %1 lines").arg(kMaxAlbumPaths);
+        return false;
     }
-    return album.endedEarly.isEmpty();
+    if (album.paths.size() >= kMaxAlbumPaths) {
+        album.endedEarly = AlbumWords("There are more than %1 lines").arg(kMaxAlbumPaths);
+        return false;
+    }
+    return true;
+}
+
+/// The beginning of a line that is at least so many characters long, if the line is; never the
+/// first half of a character.
+QByteArrayView BeginningOfLine(QByteArrayView line, qsizetype characters)
+{
+    constexpr qsizetype kMostBytes = 4; // of a character in UTF-8
+    const qsizetype bytes = kMostBytes * (characters + 1);
+    if (line.size() <= bytes) {
+        return line;
+    }
+    const auto isInside = [](char byte) { return (byte & 0xC0) == 0x80; };
+    qsizetype end = bytes;
+    while (end > bytes - kMostBytes && isInside(line[end])) {
+        --end;
+    }
+    return line.first(end);
+}
+
+/// Adds a line to the comment, as far as there is room.
+void AddToComment(QByteArrayView line, AlbumText& album)
+{
+    const qsizetype room = kMaxAlbumComment - album.comment.size();
+    QString text = TextFromFieldBytes(BeginningOfLine(line, room + 1));
+    if (text.size() > room) {
+        text.truncate(room);
+        album.endedEarly = AlbumWords("The comment is longer than %1 characters and was cut")
+                               .arg(kMaxAlbumComment);
+    }
+    album.comment += text;
 }
 
 } // namespace
@@ -80,16 +81,12 @@ bool TakesAlbumLine(QByteArrayView line, const AlbumFileLines& lines, AlbumText&
 AlbumText ParseAlbum(QByteArrayView content)
 {
     AlbumText album;
-    AlbumFileLines lines(content);
+    TextLines lines(content);
     std::optional<QByteArrayView> line = lines.Next();
     if (line && IsAlbumHash(*line)) {
         album.hasComment = true;
         while ((line = lines.Next()) && !IsAlbumHash(*line)) {
-            if (line->size() + album.comment.size() > kMaxAlbumComment) {
-                album.endedEarly = AlbumWords("The comment is too long");
-                return album;
-            }
-            album.comment += TextFromFieldBytes(*line);
+            AddToComment(*line, album);
         }
         line = lines.Next();
     }

@@ -2,6 +2,7 @@
 // The photo album file (.ifl): a comment between two lines "#", where there is one, and a path a
 // line.
 #include "core/native_path.h"
+#include "metadata/album_preview.h"
 #include <QList>
 #include <QString>
 
@@ -18,14 +19,12 @@ struct AlbumText {
     QString endedEarly;
 };
 
-inline constexpr qint64 kMaxAlbumBytes = 256ll << 20;
-inline constexpr qsizetype kMaxAlbumPaths = 2'000'000;
-inline constexpr qsizetype kMaxAlbumLine = 64ll << 10;   ///< bytes; no path is longer
-inline constexpr qsizetype kMaxAlbumComment = 4ll << 20; ///< characters
+inline constexpr qsizetype kMaxAlbumPaths = 1'000'000;
+inline constexpr qsizetype kMaxAlbumLine = 64ll << 10; ///< bytes; no path is longer
 
-/// Takes the lines of an album file apart: UTF-8 with CR LF or bare LF, a byte order mark in front
-/// allowed. A comment that is no UTF-8 is taken as Windows-1252. Never fails: beyond a limit the
-/// reading ends early.
+/// Takes the lines of an album file apart: UTF-8 with line ends as of TextLines. A comment that is
+/// no UTF-8 is taken as Windows-1252. Never fails: beyond a limit the reading ends
+/// early, and of the comment the rest is left out.
 AlbumText ParseAlbum(QByteArrayView content);
 /// ParseAlbum of a file. Failure as ReadWholeFile, kFailureLimit above kMaxAlbumBytes.
 AlbumText ReadAlbumText(const QString& path);

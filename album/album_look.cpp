@@ -52,11 +52,12 @@ QVector<AlbumFileFacts> LookAtAlbumFiles(const QList<QString>& paths, int millis
 AlbumReading ReadAlbum(const QString& path, int milliseconds)
 {
     AlbumReading album;
+    album.file = StatPath(path);
     try {
         album.text = ReadAlbumText(path);
     } catch (const Failure& failure) {
         album.trouble = failure.Description();
-        album.holdsMore = StatPath(path).size > 0;
+        album.holdsMore = album.file.size > 0;
         return album;
     }
     QList<QString>& paths = album.text.paths;

@@ -39,6 +39,7 @@ struct AlbumReading {
     QString trouble;
     /// The file holds more than was read, so that saving over it would lose something.
     bool holdsMore = false;
+    FileStat file; ///< the album itself
 };
 /// Reads an album. The first path of a file without a comment must be there: else the reading
 /// stops with it. Looks at files for so many milliseconds besides.

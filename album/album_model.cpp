@@ -2,9 +2,12 @@
 
 #include "platform/file_list_mime.h"
 
+#include <QGuiApplication>
 #include <QMimeData>
+#include <QPalette>
 #include <QSet>
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace quillane {
@@ -12,6 +15,30 @@ namespace quillane {
 namespace {
 
 constexpr qsizetype kFewRemovals = 50; // as many are told to the views one by one
+
+/// Whether each position is that which its row has before any of the steps.
+bool AreOldPositions(const QVector<int>& steps)
+{
+    return std::adjacent_find(steps.begin(), steps.end(), std::less_equal<>()) == steps.end();
+}
+
+/// Takes those positions, the largest first, out of a list in one walk.
+template <typename List> void TakeOut(List& list, const QVector<int>& positions)
+{
+    auto kept = list.begin();
+    auto next = positions.rbegin();
+    for (auto from = list.begin(); from != list.end(); ++from) {
+        if (next != positions.rend() && *next == int(from - list.begin())) {
+            ++next;
+        } else {
+            if (kept != from) {
+                *kept = std::move(*from);
+            }
+            ++kept;
+        }
+    }
+    list.erase(kept, list.end());
+}
 
 } // namespace
 
@@ -96,7 +123,6 @@ void AlbumModel::Append(const QList<QString>& paths, AlbumFeed feed)
         mWaiting += int(paths.size());
     }
     beginInsertRows({}, Count(), Count() + int(paths.size()) - 1);
-    mRows.reserve(mRows.size() + size_t(paths.size()));
     for (const QString& path : paths) {
         Row row;
         row.path = path;
@@ -157,6 +183,10 @@ bool AlbumModel::TakeNewExports()
 void AlbumModel::RemoveSteps(const QVector<int>& positions)
 {
     const bool oneByOne = positions.size() <= kFewRemovals;
+    if (!oneByOne && AreOldPositions(positions)) {
+        RemoveMany(positions);
+        return;
+    }
     if (!oneByOne) {
         beginResetModel();
     }
@@ -183,6 +213,24 @@ void AlbumModel::RemoveSteps(const QVector<int>& positions)
     }
 }
 
+void AlbumModel::RemoveMany(const QVector<int>& positions)
+{
+    beginResetModel();
+    int settled = mSettled;
+    for (const int position : positions) {
+        if (Has(position)) {
+            mWaiting -= mRows[size_t(position)].joins != Joins::No ? 1 : 0;
+            settled -= position < mSettled ? 1 : 0;
+        }
+    }
+    mSettled = settled;
+    const qsizetype before = mExports.size();
+    TakeOut(mRows, positions);
+    TakeOut(mExports, positions);
+    mKnownExports -= before - mExports.size();
+    endResetModel();
+}
+
 int AlbumModel::rowCount(const QModelIndex& parent) const
 {
     return parent.isValid() ? 0 : Count();
@@ -200,7 +248,10 @@ QVariant AlbumModel::data(const QModelIndex& index, int role) const
     }
     const Row& row = mRows[size_t(index.row())];
     if (role == Qt::ToolTipRole) {
-        return row.path;
+        return ShortPath(row.path);
+    }
+    if (role == Qt::ForegroundRole && row.state >= AlbumFileState::Missing) {
+        return QGuiApplication::palette().placeholderText();
     }
     if (role == Qt::TextAlignmentRole && index.column() == kSize) {
         return int(Qt::AlignRight | Qt::AlignVCenter);
@@ -226,6 +277,9 @@ QVariant AlbumModel::data(const QModelIndex& index, int role) const
 
 QVariant AlbumModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
+    if (orientation == Qt::Horizontal && role == Qt::TextAlignmentRole) {
+        return int((section == kSize ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+    }
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole) {
         return {};
     }
@@ -271,24 +325,36 @@ QMimeData* AlbumModel::mimeData(const QModelIndexList& indexes) const
     return paths.isEmpty() ? nullptr : FileListMimeData(paths);
 }
 
-QVector<int> AlbumRemovalSteps(QVector<bool> rows, QVector<bool> cells)
+QString ShortPath(const QString& path)
+{
+    constexpr qsizetype kMost = 4096; // as long as a path can be that leads somewhere
+    return path.size() <= kMost ? path
+                                : path.first(kMost / 2) + QChar(0x2026) + path.last(kMost / 2);
+}
+
+QVector<int> AlbumRemovalSteps(const QVector<bool>& rows, const QVector<bool>& cells)
 {
     QVector<int> steps;
-    const auto remove = [&](int position) {
-        steps.append(position);
-        if (position < rows.size()) {
-            rows.removeAt(position);
+    // The cells that are left from position i on, the first of them last.
+    std::vector<bool> cellsFrom;
+    for (qsizetype i = cells.size() - 1; i >= rows.size(); --i) {
+        cellsFrom.push_back(cells[i]);
+    }
+    for (qsizetype i = rows.size() - 1; i >= 0; --i) {
+        if (i < cells.size()) {
+            cellsFrom.push_back(cells[i]);
         }
-        if (position < cells.size()) {
-            cells.removeAt(position);
+        const auto remove = [&] {
+            steps.append(int(i));
+            if (!cellsFrom.empty()) {
+                cellsFrom.pop_back();
+            }
+        };
+        if (rows[i]) {
+            remove();
         }
-    };
-    for (int i = int(rows.size()) - 1; i >= 0; --i) {
-        if (i < rows.size() && rows[i]) {
-            remove(i);
-        }
-        if (i < cells.size() && cells[i]) {
-            remove(i);
+        if (!cellsFrom.empty() && cellsFrom.back()) {
+            remove();
         }
     }
     return steps;

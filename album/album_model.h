@@ -67,6 +67,8 @@ private:
         AlbumFileState state = AlbumFileState::Unknown;
         Joins joins = Joins::No;
     };
+    /// RemoveSteps of positions that get smaller with each step, in one walk.
+    void RemoveMany(const QVector<int>& positions);
     bool Has(int row) const { return row >= 0 && row < Count(); }
 
     QList<QString>& mExports;
@@ -81,6 +83,9 @@ private:
 /// the grid are selected. From the last row to the first: a selected row takes the cell and the
 /// list's entry at its position along; then the cell that stands there now is looked at, and a row
 /// whose cell is selected goes likewise.
-QVector<int> AlbumRemovalSteps(QVector<bool> rows, QVector<bool> cells);
+QVector<int> AlbumRemovalSteps(const QVector<bool>& rows, const QVector<bool>& cells);
+
+/// A path for the eye: what no system takes for a path has its middle left out.
+QString ShortPath(const QString& path);
 
 } // namespace quillane

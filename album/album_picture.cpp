@@ -49,6 +49,7 @@ AlbumPicture ReadAlbumPicture(const QString& path, QSize box, const std::atomic<
         picture.sizeText = AlbumSizeText(picture.pixels, loaded.facts.bits);
         picture.formatText = AlbumFormatText(loaded.facts.format);
     } catch (const Failure& failure) {
+        picture.found = failure.Number() != kFailureNoFile; // it may have gone meanwhile
         picture.failure = failure.Description();
         return picture;
     }

@@ -9,16 +9,23 @@
 //   bench_window --select <folder>
 //       walks the selection over every file of the folder, which is filled with pictures of 24
 //       megapixels where it is not there
+//   bench_window --search <folder>
+//       searches that folder in both views with a search that every picture passes
+//   bench_window --locate <folder>
+//       lists all its files, and those below it, in the window "Find Files"
 // Needs an X server (or another real platform); QT_QPA_PLATFORM decides.
 #include "bench_support.h"
 #include "browser/ui/program.h"
 #include "core/folder_listing.h"
 #include "core/paths.h"
+#include "locator/ui/frmLocate.h"
 #include "platform/ui/application.h"
 #include "platform/ui/desktop_platform.h"
 #include "window_watch.h"
 
 #include <QElapsedTimer>
+#include <QLineEdit>
+#include <QListView>
 #include <QTimer>
 #include <algorithm>
 #include <cstdio>
@@ -86,6 +93,41 @@ bool WalkSelection(Program& program, bench::Ping& ping)
     return AtMost("longest wait, selection", ping.Worst(), kAnswer);
 }
 
+bool SearchStreams(Program& program, bench::Ping& ping)
+{
+    bool good = true;
+    for (const char* view : {"mnuMainViewTileBoxTileImage", "mnuMainViewTileBoxTileFilename3"}) {
+        program.Main().Menus().Action(QLatin1String(view))->trigger();
+        qApp->processEvents();
+        ping.Reset();
+        program.Main().Menus().Action(QStringLiteral("mnuSearchOn"))->trigger();
+        const double worst = ping.Worst();
+        std::printf("%d files found\n", int(program.Shared().lbFilTiffs.size()));
+        good &= AtMost("longest wait, search", worst, kAnswer);
+        program.Main().Menus().Action(QStringLiteral("mnuSearchOn"))->trigger();
+    }
+    return good;
+}
+
+bool LocateStreams(Program& program, const QString& folder, bench::Ping& ping)
+{
+    program.Shared().gsPath = WithSeparator(folder);
+    program.Main().Menus().Action(QStringLiteral("mnuFileFiles"))->trigger();
+    auto* window = program.Main().findChild<frmLocate*>();
+    window->findChild<QLineEdit*>(QStringLiteral("Text1"))->setText(QStringLiteral("*"));
+    qApp->processEvents();
+    ping.Reset();
+    const auto start = bench::Clock::now();
+    window->StartSearch();
+    while (window->IsSearching()) {
+        qApp->processEvents(QEventLoop::AllEvents, 5);
+    }
+    const double spent = MillisecondsSince(start);
+    const auto* list = window->findChild<QListView*>(QStringLiteral("List1"));
+    std::printf("%d files located in %.0f ms\n", list->model()->rowCount(), spent);
+    return AtMost("longest wait, files located", ping.Worst(), kAnswer);
+}
+
 /// What was seen of the folder, against the bare loops over the same files.
 bool PrintFolder(const bench::WindowWatch& watch, const QString& folder, bool details, bool cold,
                  double longestWait)
@@ -128,7 +170,11 @@ int main(int argc, char** argv)
     const bool select = arguments.contains(QStringLiteral("--select"));
     const bool cold = arguments.contains(QStringLiteral("--cold"));
     const bool details = value("--view") == QStringLiteral("0");
-    const QString folder = select ? value("--select") : value("--folder");
+    const bool search = arguments.contains(QStringLiteral("--search"));
+    const bool locate = arguments.contains(QStringLiteral("--locate"));
+    const QString folder = select ? value("--select")
+        : search                  ? value("--search")
+                                  : value("--folder");
 
     Application application(argc, argv);
     DesktopPlatform platform;
@@ -176,7 +222,7 @@ int main(int argc, char** argv)
     program.Load();
     waitForQuiet(folder.isEmpty() ? 100 : kQuiet);
     bool good = true;
-    if (!folder.isEmpty() && !select && !cold) {
+    if (!folder.isEmpty() && !select && !search && !cold) {
         good &= AtMost(details ? "details rows listed, with the start of the program"
                                : "cells listed, with the start of the program",
                        watch.lastCell, kListed);
@@ -186,7 +232,7 @@ int main(int argc, char** argv)
         }
     }
     const double peak = double(bench::PeakResidentBytes());
-    if (!folder.isEmpty() && !select) {
+    if (!folder.isEmpty() && !select && !search) {
         // Once more in the window that stands: what the folder alone takes.
         if (cold) {
             bench::ForgetContent(FilesOf(folder));
@@ -199,7 +245,11 @@ int main(int argc, char** argv)
         waitForQuiet(kQuiet);
     }
 
-    if (folder.isEmpty()) {
+    if (locate) {
+        good = LocateStreams(program, value("--locate"), ping);
+    } else if (search) {
+        good = SearchStreams(program, ping);
+    } else if (folder.isEmpty()) {
         good = AtMost("first painted window", watch.firstPaint, kStart);
     } else if (select) {
         good = WalkSelection(program, ping);

@@ -12,9 +12,10 @@ namespace quillane {
 /// Takes one quiet line for the person.
 using TellLine = std::function<void(const QString& line)>;
 
-/// Runs a slot's program on gsFileName in gsPath. The file goes over unquoted, so that a path with
-/// a blank arrives as two parameters. What keeps the program from starting, and how it failed when
-/// it had been started, is told in a line that names the slot.
+/// Runs a slot's program on gsFileName in gsPath; where gsPath is a file that was picked in the
+/// tree, in its folder. The file goes over unquoted, so that a path with a blank arrives as two
+/// parameters. A slot that is off is not run. That, what keeps the program from starting, and how
+/// it failed when it had been started, is told in a line that names the slot.
 void RunCustomSlot(const CustomSlot& slot, const Session& session, Launcher& launcher,
                    const TellLine& tell);
 

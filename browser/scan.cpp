@@ -18,22 +18,21 @@ namespace {
 const QString kScanCanceled = QStringLiteral("Browsing Directory Canceled.");
 const QString kCollectCanceled = QStringLiteral("Browsing Directory Cancaled.");
 
+constexpr int kPatientWaits = 100; // for one file's answer, some milliseconds each
+
 int ProgressMaximum(qsizetype count)
 {
     return count < 2 ? 1 : int(count) - 1;
 }
 
-QStringList ImagesOf(const QString& folder, const QStringList& names)
+QStringList JoinedNames(const QString& folder, const QStringList& names)
 {
-    QStringList images;
-    images.reserve(names.size());
+    QStringList paths;
+    paths.reserve(names.size());
     for (const QString& name : names) {
-        const QString path = JoinAsIs(folder, name);
-        if (IsImageFile(path) == kTrue) {
-            images.append(path);
-        }
+        paths.append(JoinAsIs(folder, name));
     }
-    return images;
+    return paths;
 }
 
 /// Which files the grid wants. One whose description cannot be read counts as one without; the
@@ -125,6 +124,7 @@ void FolderScan::ScanOnce(int mode)
         mView.SetPanel(3, QStringLiteral("Searching..."));
     } else {
         mView.SetPanel(1, {});
+        mView.SetPanel(2, {}); // a search that the dialog has ended leaves its words there
         mView.SetPanel(3, QStringLiteral("Total Images = %1").arg(names.size()));
     }
     mView.SetPanel(4, mSession.gsPath);
@@ -190,24 +190,29 @@ bool FolderScan::ScanList(const QStringList& names)
 
 bool FolderScan::CollectFiles(const QStringList& names)
 {
+    const QStringList candidates = JoinedNames(mSession.gsPath, names);
     std::optional<SearchAhead> search;
     if (mSearch) {
-        search.emplace(ImagesOf(mSession.gsPath, names), [question = mSearch](const QString& path) {
+        search.emplace(candidates, [question = mSearch](const QString& path) {
             return FileMatchesSearch(path, *question) == kTrue;
         });
     }
     mSession.lbFilTiffs.reserve(names.size());
-    for (const QString& name : names) {
-        const QString candidate = JoinAsIs(mSession.gsPath, name);
+    for (const QString& candidate : candidates) {
         if (EscPressed(kCollectCanceled)) {
             mView.HideProgress();
             return mPlatform.loop.Newest() == mGeneration;
         }
         std::optional<bool> kept = !search;
-        if (search && IsImageFile(candidate) == kTrue) {
-            while (!(kept = search->Next())) {
+        if (search) {
+            // Esc is looked at in the middle of a wait too: a disk may not answer at all.
+            for (int waits = 1; !(kept = search->Next()); ++waits) {
                 if (!mPlatform.loop.Yield(mGeneration)) {
                     return false;
+                }
+                if (waits > kPatientWaits && EscPressed(kCollectCanceled)) {
+                    mView.HideProgress();
+                    return mPlatform.loop.Newest() == mGeneration;
                 }
             }
         }

@@ -47,6 +47,10 @@ void SetPhotoAsWallpaper(const QString& file, Platform platform, const TellLine&
     bool asked = false;
     step([&] {
         platform.wallpaper.Set(place, [tell, trouble](const std::optional<Failure>& failure) {
+            if (trouble.isEmpty() && failure && failure->Number() == kFailureCancelled) {
+                tell(QCoreApplication::translate("Launching", "The wallpaper stays as it was."));
+                return;
+            }
             tell(WallpaperLine(trouble.isEmpty() && failure ? failure->Description() : trouble));
         });
         asked = true;

@@ -1,13 +1,52 @@
 #include "core/folder_cursor.h"
 #include "core/failure.h"
 #include "core/posix_error.h"
+#include "core/posix_stat.h"
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/stat.h>
 
 namespace quillane {
+
+namespace {
+
+constexpr qsizetype kLongestFolderPath = 16384; // bytes
+
+// Opens a folder, one whose path is longer than the system takes at once in several steps. Not
+// open, with errno set, when that fails.
+FileHandle OpenFolder(const QByteArray& path)
+{
+    if (path.size() > kLongestFolderPath) {
+        errno = ENAMETOOLONG;
+        return {};
+    }
+    FileHandle folder;
+    for (qsizetype from = 0; from < path.size();) {
+        qsizetype end = path.size();
+        if (end - from >= PATH_MAX) {
+            end = path.lastIndexOf('/', from + PATH_MAX - 2);
+            if (end <= from) {
+                errno = ENAMETOOLONG;
+                return {};
+            }
+        }
+        const QByteArray piece = path.sliced(from, end - from);
+        while (end < path.size() && path[end] == '/')
+            ++end;
+        const int flags = O_DIRECTORY | O_CLOEXEC | (end < path.size() ? O_PATH : O_RDONLY);
+        const int fd = folder.IsOpen() ? openat(folder.Fd(), piece.constData(), flags)
+                                       : open(piece.constData(), flags);
+        if (fd < 0)
+            return {};
+        folder = FileHandle(fd);
+        from = end;
+    }
+    return folder;
+}
+
+} // namespace
 
 struct FolderCursor::Stream {
     DIR* folder = nullptr;
@@ -31,7 +70,7 @@ FolderCursor::FolderCursor(const QString& folder)
     const QByteArray bytes = BytesFromPath(folder);
     if (bytes.isEmpty() || bytes.contains('\0'))
         throw FailureFromErrno(ENOENT, QStringLiteral("read"), folder);
-    FileHandle handle(open(bytes.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    FileHandle handle = OpenFolder(bytes);
     if (!handle.IsOpen())
         throw FailureFromErrno(errno, QStringLiteral("read"), folder);
     mStream->folder = fdopendir(handle.Fd());
@@ -92,18 +131,7 @@ FileStat FolderCursor::Stat() const
     struct stat found;
     if (fstatat(dirfd(mStream->folder), mStream->entry->d_name, &found, 0) != 0)
         return {};
-    FileStat result;
-    if (S_ISREG(found.st_mode))
-        result.type = FileType::Regular;
-    else
-        result.type = S_ISDIR(found.st_mode) ? FileType::Folder : FileType::Other;
-    result.size = found.st_size;
-    result.modifiedSeconds = found.st_mtim.tv_sec;
-    result.modifiedNanos = qint32(found.st_mtim.tv_nsec);
-    result.device = found.st_dev;
-    result.inode = found.st_ino;
-    result.mode = found.st_mode & 07777;
-    return result;
+    return FileStatFromSystem(found);
 }
 
 } // namespace quillane

@@ -2,6 +2,7 @@
 #include "core/failure.h"
 #include "core/paths.h"
 #include "core/posix_error.h"
+#include "core/posix_stat.h"
 #include <atomic>
 #include <cerrno>
 #include <cstring>
@@ -9,7 +10,6 @@
 #include <fcntl.h>
 #include <limits>
 #include <memory>
-#include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
 
@@ -18,13 +18,6 @@ namespace quillane {
 namespace {
 
 std::atomic<qint64> pathStats{0}, pathOpens{0}, pathLists{0};
-
-FileType TypeOfMode(mode_t mode)
-{
-    if (S_ISREG(mode))
-        return FileType::Regular;
-    return S_ISDIR(mode) ? FileType::Folder : FileType::Other;
-}
 
 void RefuseUnlessRegular(FileType type, const QString& path)
 {
@@ -74,19 +67,6 @@ PathCalls PathCallCount()
             pathLists.load(std::memory_order_relaxed)};
 }
 
-static FileStat FromSystem(const struct stat& found)
-{
-    FileStat result;
-    result.type = TypeOfMode(found.st_mode);
-    result.size = found.st_size;
-    result.modifiedSeconds = found.st_mtim.tv_sec;
-    result.modifiedNanos = qint32(found.st_mtim.tv_nsec);
-    result.device = found.st_dev;
-    result.inode = found.st_ino;
-    result.mode = found.st_mode & 07777;
-    return result;
-}
-
 FileStat StatPath(const QString& path)
 {
     const QByteArray bytes = BytesFromPath(path);
@@ -94,7 +74,7 @@ FileStat StatPath(const QString& path)
     pathStats.fetch_add(1, std::memory_order_relaxed);
     if (bytes.contains('\0') || stat(bytes.constData(), &found) != 0)
         return {};
-    return FromSystem(found);
+    return FileStatFromSystem(found);
 }
 
 FileHandle& FileHandle::operator=(FileHandle&& other) noexcept
@@ -143,7 +123,7 @@ FileHandle OpenForReading(const QString& path, FileStat& opened)
     if (fstat(file.Fd(), &found) != 0)
         throw FailureFromErrno(errno, QStringLiteral("open"), path);
     RefuseUnlessRegular(TypeOfMode(found.st_mode), path);
-    opened = FromSystem(found);
+    opened = FileStatFromSystem(found);
     return file;
 }
 

@@ -1,9 +1,9 @@
 #include "imaging/byte_source.h"
 #include "core/failure.h"
+#include "core/posix_stat.h"
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace quillane {
@@ -82,15 +82,7 @@ FileSource::FileSource(FileHandle file, qint64 size) : mFile(std::move(file)), m
 {
     struct ::stat status;
     if (::fstat(mFile.Fd(), &status) == 0) {
-        mStat.type = S_ISREG(status.st_mode) ? FileType::Regular
-            : S_ISDIR(status.st_mode)        ? FileType::Folder
-                                             : FileType::Other;
-        mStat.size = status.st_size;
-        mStat.modifiedSeconds = status.st_mtim.tv_sec;
-        mStat.modifiedNanos = qint32(status.st_mtim.tv_nsec);
-        mStat.device = status.st_dev;
-        mStat.inode = status.st_ino;
-        mStat.mode = status.st_mode & 07777;
+        mStat = FileStatFromSystem(status);
     }
     if (mSize < 0) {
         mSize = mStat.size;

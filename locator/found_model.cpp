@@ -1,5 +1,7 @@
 #include "locator/found_model.h"
 
+#include "widgets/label_lines.h"
+
 #include <algorithm>
 #include <limits>
 
@@ -87,7 +89,7 @@ QVariant FoundModel::data(const QModelIndex& index, int role) const
     }
     switch (role) {
     case Qt::DisplayRole:
-        return Text(index.row());
+        return DisplayName(Text(index.row()));
     case kPathRole:
         return Path(index.row());
     default:

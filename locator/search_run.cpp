@@ -2,8 +2,11 @@
 
 #include "core/failure.h"
 
+#include <algorithm>
 #include <atomic>
+#include <deque>
 #include <exception>
+#include <iterator>
 #include <mutex>
 #include <utility>
 
@@ -13,6 +16,8 @@ namespace {
 
 constexpr int kSearchThreads = 4; // one works; others may be stuck in a volume that is gone
 constexpr int kTellEvery = 30;    // milliseconds
+constexpr size_t kFilesOfABatch = 500;
+constexpr qsizetype kBatchesAtOnce = 4; // so that windows answer while very much is found
 
 } // namespace
 
@@ -22,7 +27,7 @@ struct LocatorSearch::Shared : FindSink {
     std::mutex mutex; ///< over all below
     QString folder;
     bool folderIsNew = false;
-    std::vector<Batch> batches;
+    std::deque<Batch> batches; ///< not told yet
     FindResult result;
     QString failure;
     std::exception_ptr trouble; ///< anything but a Failure
@@ -36,7 +41,11 @@ struct LocatorSearch::Shared : FindSink {
     void AddFound(const QString& path, std::vector<FoundFile>&& files) override
     {
         const std::lock_guard lock(mutex);
-        batches.push_back({path, std::move(files)});
+        for (size_t from = 0; from < files.size(); from += kFilesOfABatch) {
+            const auto begin = std::make_move_iterator(files.begin() + qsizetype(from));
+            const size_t count = std::min(kFilesOfABatch, files.size() - from);
+            batches.push_back({path, {begin, begin + qsizetype(count)}});
+        }
     }
     bool IncludesSubfolders() override { return subfolders; }
     bool SearchStopped() override { return stopped; }
@@ -61,7 +70,7 @@ struct LocatorSearch::Shared : FindSink {
 LocatorSearch::LocatorSearch(QObject* parent) : QObject(parent), mJobs(kSearchThreads)
 {
     mTimer.setInterval(kTellEvery);
-    connect(&mTimer, &QTimer::timeout, this, &LocatorSearch::Tell);
+    connect(&mTimer, &QTimer::timeout, this, &LocatorSearch::TellNext);
 }
 
 LocatorSearch::~LocatorSearch()
@@ -79,10 +88,11 @@ void LocatorSearch::Start(const QString& startFolder, const QString& searchStrin
         [shared = mShared, startFolder, searchString] { shared->Work(startFolder, searchString); },
         [this, shared = mShared] {
             if (shared == mShared) {
-                Finish();
+                mWorked = true;
+                TellNext();
             }
         });
-    mTimer.start();
+    mTimer.start(kTellEvery);
 }
 
 void LocatorSearch::Stop()
@@ -91,7 +101,9 @@ void LocatorSearch::Stop()
         return;
     }
     const std::shared_ptr<Shared> shared = mShared;
-    shared->stopped = true;
+    if (shared->stopped.exchange(true)) {
+        return; // asked by a listener in the middle of it
+    }
     Tell();
     if (shared != mShared) { // a listener has ended it
         return;
@@ -109,6 +121,7 @@ void LocatorSearch::Terminate()
         mShared->stopped = true;
         mShared.reset();
     }
+    mWorked = false;
 }
 
 void LocatorSearch::SetIncludesSubfolders(bool on)
@@ -118,15 +131,21 @@ void LocatorSearch::SetIncludesSubfolders(bool on)
     }
 }
 
-void LocatorSearch::Tell()
+// Tells the next few batches; whether there are more.
+bool LocatorSearch::Tell()
 {
     const std::shared_ptr<Shared> shared = mShared;
     std::vector<Batch> batches;
     QString folder;
-    bool isNew = false;
+    bool isNew = false, more = false;
     {
         const std::lock_guard lock(shared->mutex);
-        batches.swap(shared->batches);
+        const auto end =
+            shared->batches.begin() + std::min(kBatchesAtOnce, qsizetype(shared->batches.size()));
+        batches.assign(std::make_move_iterator(shared->batches.begin()),
+                       std::make_move_iterator(end));
+        shared->batches.erase(shared->batches.begin(), end);
+        more = !shared->batches.empty();
         folder = shared->folder;
         isNew = std::exchange(shared->folderIsNew, false);
     }
@@ -136,15 +155,26 @@ void LocatorSearch::Tell()
     if (!batches.empty() && shared == mShared) {
         Q_EMIT found(batches);
     }
+    return more;
+}
+
+void LocatorSearch::TellNext()
+{
+    const std::shared_ptr<Shared> shared = mShared;
+    const bool more = Tell();
+    if (shared != mShared) { // a listener has ended it
+        return;
+    }
+    if (mWorked && !more) {
+        Finish();
+    } else {
+        mTimer.start(more ? 0 : kTellEvery);
+    }
 }
 
 void LocatorSearch::Finish()
 {
     const std::shared_ptr<Shared> shared = mShared;
-    Tell();
-    if (shared != mShared) { // a listener has ended it
-        return;
-    }
     Terminate();
     if (shared->trouble) {
         std::rethrow_exception(shared->trouble);

@@ -13,7 +13,7 @@ namespace quillane {
 class LocatorSearch : public QObject {
     Q_OBJECT
 public:
-    /// Files found in one folder.
+    /// Files found in one folder, or a part of them.
     struct Batch {
         QString folder; ///< with its separator
         std::vector<FoundFile> files;
@@ -24,7 +24,8 @@ public:
 
     /// Begins a search; one that runs is dropped without a word. searchString is not empty.
     void Start(const QString& startFolder, const QString& searchString, bool includeSubfolders);
-    /// Ends the search at once; what it has found so far is told first. Nothing when none runs.
+    /// Ends the search at once; some of what is not told yet is told first, the rest never.
+    /// Nothing when none runs.
     void Stop();
     /// Drops the search without a word and forgets its folders.
     void Terminate();
@@ -43,12 +44,14 @@ Q_SIGNALS:
 
 private:
     struct Shared;
-    void Tell();
+    bool Tell();
+    void TellNext();
     void Finish();
 
     BackgroundJobs mJobs;
     QTimer mTimer;                   ///< looks for what is new
     std::shared_ptr<Shared> mShared; ///< of the search that runs
+    bool mWorked = false;            ///< it has found all there is; some may not be told yet
 };
 
 } // namespace quillane

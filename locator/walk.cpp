@@ -5,6 +5,7 @@
 #include "core/paths.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace quillane {
@@ -40,19 +41,25 @@ public:
     /// The files found, in the order of their rows; counts them.
     std::vector<FoundFile> TakeFound()
     {
-        std::vector<FoundFile> found;
-        found.reserve(mFound.size() + mExact.size());
+        std::vector<Found> rows;
+        rows.reserve(mFound.size() + mExact.size());
         for (size_t n = 0; n < mExact.size(); ++n) {
             if (mExact[n].wanted && FindExact(n)) {
-                found.push_back({mExact[n].name, 0, 0, true});
+                Exact& exact = mExact[n];
+                rows.push_back({std::move(exact.upper),
+                                std::move(exact.turn),
+                                {std::move(exact.name), 0, 0, true}});
             }
         }
-        std::sort(mFound.begin(), mFound.end(), [](const Found& a, const Found& b) {
+        std::move(mFound.begin(), mFound.end(), std::back_inserter(rows));
+        std::stable_sort(rows.begin(), rows.end(), [](const Found& a, const Found& b) {
             const int order = a.upper.compare(b.upper);
-            return order != 0 ? order < 0 : a.file.name < b.file.name;
+            return order != 0 ? order < 0 : a.turn < b.turn;
         });
-        for (Found& one : mFound) {
-            found.push_back(std::move(one.file));
+        std::vector<FoundFile> found;
+        found.reserve(rows.size());
+        for (Found& row : rows) {
+            found.push_back(std::move(row.file));
         }
         mResult.rows += qint64(found.size());
         return found;
@@ -60,12 +67,14 @@ public:
 
 private:
     struct Found {
-        QString upper;
+        QString upper; ///< upper-cased name of the file whose turn brought the row
+        QString turn;  ///< that file's name
         FoundFile file;
     };
     struct Exact {
         bool wanted = false; ///< some file's turn came to this pattern
-        QString name;        ///< the file that it names
+        QString upper, turn; ///< the first of these files by name, as in Found
+        QString name;        ///< the file that the pattern names
     };
 
     void Look(const FolderCursor& cursor)
@@ -75,7 +84,9 @@ private:
         NoteExact(name, upper);
         for (size_t n = 0; n < mResult.Patterns.size(); ++n) {
             const LocatorPattern& pattern = mResult.Patterns[n];
-            mExact[n].wanted |= pattern.IsExact() && !pattern.ExactFound;
+            if (pattern.IsExact() && !pattern.ExactFound) {
+                NoteTurn(mExact[n], name, upper);
+            }
             const NameTest test = TestName(pattern, upper);
             if (test == NameTest::NextFile) {
                 return;
@@ -84,7 +95,7 @@ private:
                 const FileStat stat = cursor.Stat();
                 if (stat.type == FileType::Regular) { // it may be gone by now
                     mFound.push_back(
-                        {std::move(upper), {name, stat.size, stat.modifiedSeconds, false}});
+                        {std::move(upper), name, {name, stat.size, stat.modifiedSeconds, false}});
                     ++mResult.HitCount[n];
                 }
                 return;
@@ -93,6 +104,16 @@ private:
                 mStopped = true;
                 return;
             }
+        }
+    }
+
+    static void NoteTurn(Exact& exact, const QString& name, const QString& upper)
+    {
+        const int order = exact.wanted ? upper.compare(exact.upper) : -1;
+        if (order < 0 || (order == 0 && name < exact.turn)) {
+            exact.wanted = true;
+            exact.upper = upper;
+            exact.turn = name;
         }
     }
 

@@ -21,7 +21,8 @@ public:
     virtual ~FindSink() = default;
     /// A folder is about to be searched; its path ends in a separator.
     virtual void ShowFolder(const QString& folder) = 0;
-    /// The files found in that folder, those of an exact name first, then by name.
+    /// The files found in that folder, in the order of rows: by name, and one of an exact name
+    /// before the file, by name, whose turn first came to that pattern.
     virtual void AddFound(const QString& folder, std::vector<FoundFile>&& files) = 0;
     /// Asked for each folder: whether those in it are searched too.
     virtual bool IncludesSubfolders() = 0;

@@ -2,48 +2,27 @@
 
 #include "core/failure.h"
 #include "core/native_path.h"
+#include "core/text_lines.h"
 
-#include <optional>
+#include <QCoreApplication>
+#include <algorithm>
 
 namespace quillane {
 
 namespace {
 
-constexpr qint64 kMaxAlbumBytes = 16ll << 20; ///< some 200,000 paths
 constexpr QLatin1String kAlbumLineEnd{"\r\n"};
-
-/// The lines of a text without their ends.
-class AlbumLines {
-public:
-    explicit AlbumLines(QByteArrayView bytes) : mBytes(bytes)
-    {
-        constexpr char kMark[] = "\xef\xbb\xbf";
-        if (mBytes.startsWith(kMark)) {
-            mBytes = mBytes.sliced(3);
-        }
-    }
-    /// The next line; nothing at the end.
-    std::optional<QByteArrayView> Next()
-    {
-        if (mBytes.isEmpty()) {
-            return {};
-        }
-        const qsizetype end = mBytes.indexOf('\n');
-        QByteArrayView line = end < 0 ? mBytes : mBytes.first(end);
-        mBytes = end < 0 ? QByteArrayView() : mBytes.sliced(end + 1);
-        if (line.endsWith('\r')) {
-            line.chop(1);
-        }
-        return line;
-    }
-
-private:
-    QByteArrayView mBytes;
-};
+constexpr qsizetype kMostOfAlbumLine = 4096; ///< bytes: no path is longer
 
 bool IsAlbumMark(QByteArrayView line)
 {
     return line.size() == 1 && line.front() == '#';
+}
+
+/// The beginning of a line, followed by the line end.
+QString ShownAlbumLine(QByteArrayView line)
+{
+    return PathFromBytes(line.first(std::min(line.size(), kMostOfAlbumLine))) + kAlbumLineEnd;
 }
 
 } // namespace
@@ -51,7 +30,7 @@ bool IsAlbumMark(QByteArrayView line)
 AlbumPreview ReadAlbumPreview(const QString& path)
 {
     const QByteArray content = ReadWholeFile(path, kMaxAlbumBytes);
-    AlbumLines lines(content);
+    TextLines lines(content);
     std::optional<QByteArrayView> line = lines.Next();
     if (!line) {
         throw Failure(kFailureIo, QStringLiteral("This photo album is empty."), path);
@@ -60,13 +39,24 @@ AlbumPreview ReadAlbumPreview(const QString& path)
     album.hasComment = IsAlbumMark(*line);
     if (album.hasComment) {
         while ((line = lines.Next()) && !IsAlbumMark(*line)) {
-            album.comment += PathFromBytes(*line) + kAlbumLineEnd;
+            if (album.comment.size() < kMaxAlbumComment) {
+                album.comment += ShownAlbumLine(*line);
+            }
         }
         line = lines.Next();
     }
+    qint32 shown = 0;
     for (; line; line = lines.Next()) {
-        album.files += PathFromBytes(*line) + kAlbumLineEnd;
+        if (shown < kMostShownAlbumLines && album.files.size() < kMostShownAlbumText) {
+            album.files += ShownAlbumLine(*line);
+            ++shown;
+        }
         ++album.count;
+    }
+    if (shown < album.count) {
+        album.files +=
+            QCoreApplication::translate("Album", "... and %1 more").arg(album.count - shown)
+            + kAlbumLineEnd;
     }
     return album;
 }

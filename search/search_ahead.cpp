@@ -34,7 +34,6 @@ struct SearchAhead::State {
     std::vector<SearchAnswer> answers;
     std::map<size_t, std::exception_ptr> failures;
     size_t handed = 0;
-    std::vector<std::thread> threads;
 
     void Work();
     SearchAnswer AnswerFor(size_t index);
@@ -73,7 +72,7 @@ void SearchAhead::State::Work()
     }
 }
 
-SearchAhead::SearchAhead(QStringList paths, Test test) : mState(std::make_unique<State>())
+SearchAhead::SearchAhead(QStringList paths, Test test) : mState(std::make_shared<State>())
 {
     mState->paths = std::move(paths);
     mState->test = std::move(test);
@@ -82,18 +81,14 @@ SearchAhead::SearchAhead(QStringList paths, Test test) : mState(std::make_unique
     const size_t cores = std::max(1u, std::thread::hardware_concurrency());
     const size_t shares = (count + kFilesAtOnce - 1) / kFilesAtOnce;
     const size_t threads = std::min(cores, shares);
-    mState->threads.reserve(threads);
     for (size_t t = 0; t < threads; ++t) {
-        mState->threads.emplace_back([state = mState.get()] { state->Work(); });
+        std::thread([state = mState] { state->Work(); }).detach();
     }
 }
 
 SearchAhead::~SearchAhead()
 {
     mState->stop = true;
-    for (std::thread& thread : mState->threads) {
-        thread.join();
-    }
 }
 
 std::optional<bool> SearchAhead::Next()

@@ -12,9 +12,10 @@ public:
     /// Whether a file passes; called on several threads at once, may throw a Failure.
     using Test = std::function<bool(const QString& path)>;
 
-    /// Begins at once.
+    /// Begins at once. A file that is being tested when the search goes away is not waited for, as
+    /// it may lie on a disk that does not answer: the test holds all it needs.
     SearchAhead(QStringList paths, Test test);
-    /// Drops what is not tested yet and waits for the files being read.
+    /// Drops what is not tested yet.
     ~SearchAhead();
     SearchAhead(const SearchAhead&) = delete;
     SearchAhead& operator=(const SearchAhead&) = delete;
@@ -25,7 +26,7 @@ public:
 
 private:
     struct State;
-    std::unique_ptr<State> mState;
+    std::shared_ptr<State> mState;
 };
 
 } // namespace quillane

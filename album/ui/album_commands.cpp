@@ -1,14 +1,20 @@
 // What the menus of the album window do.
 #include "album/ui/frmBrowserImageFileList.h"
 
+#include "album/album_clip.h"
 #include "core/failure.h"
 #include "core/paths.h"
-#include "platform/ui/command_connector.h"
 #include "platform/file_list_mime.h"
+#include "platform/ui/command_connector.h"
 
 #include <QApplication>
 #include <QClipboard>
+#include <QMimeData>
+#include <QPointer>
+#include <QScopeGuard>
 #include <algorithm>
+#include <functional>
+#include <utility>
 
 namespace quillane {
 
@@ -46,7 +52,7 @@ void frmBrowserImageFileList::ConnectMenus()
     command("mnuViewThumbnails", [this] { ChooseView(true); });
     command("nmuViewFilename", [this] { ChooseView(false); });
     connect(mMenus.Menu(QStringLiteral("mnuFile")), &QMenu::aboutToShow, this,
-            &frmBrowserImageFileList::UpdateFileMenu);
+            &frmBrowserImageFileList::FileMenuOpens);
 }
 
 void frmBrowserImageFileList::Open()
@@ -103,30 +109,48 @@ void frmBrowserImageFileList::Send()
 
 void frmBrowserImageFileList::Paste()
 {
-    const QMimeData* files = QApplication::clipboard()->mimeData();
-    const QStringList paths = files ? FilesOfMimeData(*files) : QStringList();
-    if (!paths.isEmpty()) {
-        AddFiles(paths, true);
+    const QMimeData* held = QApplication::clipboard()->mimeData();
+    if (!held) {
+        return;
     }
+    auto list = std::make_shared<bool>(false);
+    const auto failed = Aside([list, clips = mClipFiles, held = FileListCopy(*held)] {
+        *list = clips->GetFiles(*held);
+        if (!*list) {
+            clips->Clear();
+        }
+    });
+    if (!failed) {
+        return;
+    }
+    QList<QString> files;
+    files.reserve(mClipFiles->Count());
+    for (const cFileInfo& file : *mClipFiles) {
+        files.append(file.Name());
+    }
+    mModel.Append(files, AlbumFeed::Added);
     ShowTotal();
     PreviewExports();
     ShowView();
+    if (files.isEmpty()) {
+        Tell(tr("The clipboard holds no files of this computer."));
+    }
+    LookAtNext();
 }
 
-void frmBrowserImageFileList::AddFiles(const QStringList& paths, bool duplicates)
+void frmBrowserImageFileList::TakeDropped(const std::shared_ptr<QMimeData>& dropped)
 {
-    if (duplicates) {
-        mModel.Append(paths, AlbumFeed::Added);
-        ShowTotal();
-        LookAtNext();
-        return;
-    }
-    // Of what is dropped only files are taken.
-    auto facts = std::make_shared<QVector<AlbumFileFacts>>();
-    const auto failed = Aside([facts, paths] {
-        facts->reserve(paths.size());
-        for (const QString& path : paths) {
-            facts->append(LookAtAlbumFile(path));
+    // Of what is dropped only files are taken, and none twice.
+    struct Found {
+        QStringList paths;
+        QVector<AlbumFileFacts> facts;
+    };
+    auto found = std::make_shared<Found>();
+    const auto failed = Aside([found, dropped] {
+        found->paths = FilesOfMimeData(*dropped);
+        found->facts.reserve(found->paths.size());
+        for (const QString& path : std::as_const(found->paths)) {
+            found->facts.append(LookAtAlbumFile(path));
         }
     });
     if (!failed) {
@@ -135,20 +159,25 @@ void frmBrowserImageFileList::AddFiles(const QStringList& paths, bool duplicates
     const QList<QString> old = mModel.Paths();
     QSet<QString> known(old.begin(), old.end());
     QList<QString> fresh;
-    for (qsizetype i = 0; i < facts->size(); ++i) {
-        if (facts->at(i).state == AlbumFileState::Found && !known.contains(paths.at(i))) {
-            known.insert(paths.at(i));
-            fresh.append(paths.at(i));
+    for (qsizetype i = 0; i < found->facts.size(); ++i) {
+        const QString& path = found->paths.at(i);
+        if (found->facts.at(i).state == AlbumFileState::Found && !known.contains(path)) {
+            known.insert(path);
+            fresh.append(path);
         }
     }
     mModel.Append(fresh, AlbumFeed::Added);
     ShowTotal();
-    LookAtNext();
-    if (fresh.size() < paths.size()) {
+    if (found->paths.isEmpty()) {
+        Tell(tr("These are no files of this computer."));
+    } else if (fresh.size() < found->paths.size()) {
         Tell(tr("%1 of %2 added; the others are in the album already or are no files.")
                  .arg(fresh.size())
-                 .arg(paths.size()));
+                 .arg(found->paths.size()));
+    } else {
+        Tell(tr("%n added.", nullptr, int(fresh.size())));
     }
+    LookAtNext();
 }
 
 void frmBrowserImageFileList::TileImages()
@@ -157,15 +186,30 @@ void frmBrowserImageFileList::TileImages()
     auto found = std::make_shared<QVector<QString>>();
     const auto failed = Aside([found, paths] {
         for (const QString& path : paths) {
-            if (LookAtAlbumFile(path).state == AlbumFileState::Found) {
-                found->append(path);
+            const AlbumFileFacts facts = LookAtAlbumFile(path);
+            if (facts.state == AlbumFileState::Found) {
+                found->append(facts.otherPath.isEmpty() ? path : facts.otherPath);
             }
         }
     });
     if (!failed || !mHost) {
         return;
     }
-    mHost->ShowFiles(*found);
+    // The browser may look at the files while events flow.
+    const QPointer<frmBrowserImageFileList> self(this);
+    {
+        ++mBusy;
+        const auto idle = qScopeGuard([self] {
+            if (self) {
+                --self->mBusy;
+            }
+        });
+        UpdateFileMenu();
+        mHost->ShowFiles(*found);
+    }
+    if (!self) {
+        return;
+    }
     mHost->SetPanel(1, QStringLiteral("Photo Album"));
     mHost->SetPanel(3, QStringLiteral("Total Images = %1").arg(paths.size()));
     close();
@@ -179,11 +223,7 @@ void frmBrowserImageFileList::RemoveSelected()
         mShowing = true;
         mModel.RemoveSteps(steps);
         mShowing = false;
-        for (const int step : steps) {
-            if (step < mGrid->Count()) {
-                mGrid->RemoveAt(step);
-            }
-        }
+        RemoveCells(steps);
         LookAgain();
         const int current = mRows->currentIndex().row();
         if (current >= 0) {
@@ -193,6 +233,20 @@ void frmBrowserImageFileList::RemoveSelected()
         }
     }
     ShowTotal();
+}
+
+void frmBrowserImageFileList::RemoveCells(const QVector<int>& steps)
+{
+    const bool descending =
+        std::adjacent_find(steps.begin(), steps.end(), std::less_equal<>()) == steps.end();
+    if (descending) {
+        // Each cell still stands where it stood before the first step.
+        mGrid->RemoveBatch({steps.rbegin(), steps.rend()});
+        return;
+    }
+    for (const int step : steps) {
+        mGrid->RemoveAt(step);
+    }
 }
 
 void frmBrowserImageFileList::ClearALL()

@@ -73,11 +73,7 @@ void frmBrowserImageFileList::ReadAlbumFile(const QString& path)
         return;
     }
     statusBar()->clearMessage();
-    if (album->holdsMore) {
-        mPartlyRead.insert(path);
-    } else {
-        mPartlyRead.remove(path);
-    }
+    mPartlyRead->Note(path, album->file, album->holdsMore);
     mModel.Append(album->text.paths, AlbumFeed::File);
     mModel.Settle(album->facts);
     if (album->complete) {
@@ -106,9 +102,12 @@ void frmBrowserImageFileList::WriteAlbumFile(const QString& path)
         return;
     }
     const QList<QString> paths = mModel.Paths();
+    auto written = std::make_shared<FileStat>();
     const auto failed =
-        Aside([path, paths, comment = mComment->toPlainText(), keep = mPartlyRead.contains(path)] {
+        Aside([path, paths, written, comment = mComment->toPlainText(), partly = *mPartlyRead] {
+            const bool keep = partly.Has(path, StatPath(path));
             quillane::WriteAlbumFile(path, comment, paths, keep);
+            *written = StatPath(path);
         });
     if (!failed) {
         return;
@@ -116,7 +115,7 @@ void frmBrowserImageFileList::WriteAlbumFile(const QString& path)
     if (!failed->isEmpty()) {
         Tell(tr("The album was not saved. %1").arg(*failed));
     } else {
-        mPartlyRead.remove(path);
+        mPartlyRead->Note(path, *written, false);
         const qsizetype broken = PathsWithLineEnds(paths);
         Tell(broken == 0 ? tr("%1 saved.").arg(LeafName(path))
                          : tr("%1 saved, but for %2 names that hold a line end.")
@@ -164,8 +163,13 @@ void frmBrowserImageFileList::TakeNewExports()
 void frmBrowserImageFileList::ShowView()
 {
     const bool names = mMenus.IsChecked(QStringLiteral("nmuViewFilename"));
+    const QWidget* focused = focusWidget();
+    const bool takesFocus = !focused || focused == mRows || focused == mGrid;
     mRows->setVisible(names);
     mGrid->setVisible(!names);
+    if (takesFocus) {
+        names ? mRows->setFocus() : mGrid->setFocus();
+    }
     if (names) {
         // What is selected is what is seen.
         mGrid->SelectAll(false);

@@ -1,20 +1,25 @@
 // The album window's controls, its load and its end.
 #include "album/ui/frmBrowserImageFileList.h"
 
+#include "album/album_clip.h"
 #include "album/album_menu.h"
 #include "core/settings_table.h"
-#include "platform/ui/command_connector.h"
 #include "platform/file_list_mime.h"
+#include "platform/ui/command_connector.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QGridLayout>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QStyledItemDelegate>
 #include <QVBoxLayout>
+#include <utility>
 
 namespace quillane {
 
@@ -25,12 +30,25 @@ constexpr int kAlbumCell = 118;
 constexpr int kAlbumCommentHeight = 110;
 constexpr int kColumnMargin = 24;
 
-bool HoldsFileList(const QMimeData* data)
-{
-    return data
-        && (data->hasFormat(QStringLiteral("text/uri-list"))
-            || data->hasFormat(QStringLiteral("x-special/gnome-copied-files")));
-}
+/// Takes text that is dropped, while files fall through to the window.
+class AlbumCommentBox : public QPlainTextEdit {
+protected:
+    bool canInsertFromMimeData(const QMimeData* source) const override
+    {
+        return !source->hasUrls() && QPlainTextEdit::canInsertFromMimeData(source);
+    }
+};
+
+/// Shows rows as they are, but for paths that no system would take: to lay out a hundred thousand
+/// characters takes too long.
+class AlbumRowDelegate : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+    QString displayText(const QVariant& value, const QLocale&) const override
+    {
+        return ShortPath(value.toString());
+    }
+};
 
 const SettingKey& AlbumSetting(const char* key)
 {
@@ -52,11 +70,13 @@ frmBrowserImageFileList::frmBrowserImageFileList(Session& session, SettingsStore
       mRows(new QTableView),
       mGrid(new ThumbnailGrid),
       mPreview(new AlbumPreviewPane),
-      mComment(new QPlainTextEdit),
+      mComment(new AlbumCommentBox),
       mTotal(new QLabel),
+      mHint(new QLabel),
       mPool(platform.places.ThumbnailCache()),
       mJobs(2) // one look that hangs does not stop those after another album was opened
 {
+    mPartlyRead = std::make_shared<PartlyReadAlbums>();
     setObjectName(QStringLiteral("frmBrowserImageFileList"));
     setAttribute(Qt::WA_DeleteOnClose);
     setAcceptDrops(true);
@@ -83,15 +103,16 @@ void frmBrowserImageFileList::Build()
     mComment->setObjectName(QStringLiteral("rtbComment"));
     mComment->setAccessibleName(QStringLiteral("Photo Album Comments"));
     mComment->setTabChangesFocus(true);
-    mComment->setAcceptDrops(false); // files dropped on it join the album
     mTotal->setObjectName(QStringLiteral("lblTotalFiles"));
     mTotal->setAccessibleName(tr("Total files"));
 
     auto* files = new QWidget;
-    auto* filesLayout = new QVBoxLayout(files);
+    auto* filesLayout = new QGridLayout(files);
     filesLayout->setContentsMargins(0, 0, 0, 0);
-    filesLayout->addWidget(mRows);
-    filesLayout->addWidget(mGrid);
+    filesLayout->addWidget(mRows, 0, 0);
+    filesLayout->addWidget(mGrid, 0, 0);
+    filesLayout->addWidget(mHint, 0, 0);
+    BuildHint();
     auto* halves = new QSplitter;
     halves->setChildrenCollapsible(false);
     halves->addWidget(files);
@@ -119,6 +140,20 @@ void frmBrowserImageFileList::Build()
     resize(kAlbumWindowSize);
 }
 
+void frmBrowserImageFileList::BuildHint()
+{
+    constexpr int kHintMargin = 40;
+    mHint->setObjectName(QStringLiteral("lblEmptyAlbum"));
+    mHint->setText(tr("This album is empty.\n\nDrop photos here, paste them, or choose "
+                      "\u201cAdd File(s) to Photo Album\u201d from the menu of the right mouse "
+                      "button in the browser."));
+    mHint->setAlignment(Qt::AlignCenter);
+    mHint->setWordWrap(true);
+    mHint->setMargin(kHintMargin);
+    mHint->setForegroundRole(QPalette::PlaceholderText);
+    mHint->setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
 void frmBrowserImageFileList::BuildRows()
 {
     mModel.SetDateText(
@@ -126,12 +161,13 @@ void frmBrowserImageFileList::BuildRows()
     mRows->setObjectName(QStringLiteral("lvImageFileList"));
     mRows->setAccessibleName(tr("Files of the album"));
     mRows->setModel(&mModel);
+    mRows->setItemDelegate(new AlbumRowDelegate(mRows));
     mRows->setSelectionBehavior(QAbstractItemView::SelectRows);
     mRows->setSelectionMode(QAbstractItemView::ExtendedSelection);
     mRows->setEditTriggers(QAbstractItemView::NoEditTriggers);
     mRows->setDragDropMode(QAbstractItemView::DragOnly);
     mRows->setTabKeyNavigation(false);
-    mRows->setTextElideMode(Qt::ElideMiddle);
+    mRows->setTextElideMode(Qt::ElideLeft); // the name of the file is at the end
     mRows->setWordWrap(false);
     mRows->setCornerButtonEnabled(false);
     QHeaderView* lines = mRows->verticalHeader();
@@ -158,8 +194,15 @@ void frmBrowserImageFileList::ConnectViews()
             [this](const QModelIndex& current) {
                 if (!mShowing && current.isValid()) {
                     PreviewRow(current.row());
+                    mPressPreviewed = QGuiApplication::mouseButtons() != Qt::NoButton;
                 }
             });
+    // A click on the row that is current looks at its file once more.
+    connect(mRows, &QTableView::pressed, this, [this](const QModelIndex& row) {
+        if (!std::exchange(mPressPreviewed, false)) {
+            PreviewRow(row.row());
+        }
+    });
     connect(mGrid, &ThumbnailGrid::picked, this, [this](int cell) {
         mSession.gImageListIndex = cell;
         if (cell >= 0 && cell < mModel.Count()) {
@@ -201,6 +244,9 @@ void frmBrowserImageFileList::setVisible(bool visible)
 void frmBrowserImageFileList::LoadForm()
 {
     mFormLoaded = true;
+    if (!mClipFiles) {
+        mClipFiles = std::make_shared<cClipFiles>();
+    }
     setWindowTitle(mSession.gsAppTitle + QStringLiteral("  Photo Album"));
     mRows->setShowGrid(true);
     mMenus.SetChecked(QStringLiteral("nmuViewFilename"),
@@ -259,7 +305,7 @@ void frmBrowserImageFileList::dragEnterEvent(QDragEnterEvent* event)
 {
     const auto* source = qobject_cast<QWidget*>(event->source());
     const bool own = source && (source == this || isAncestorOf(source));
-    if (!own && mBusy == 0 && HoldsFileList(event->mimeData())) {
+    if (!own && mBusy == 0 && HoldsFileList(*event->mimeData())) {
         event->setDropAction(Qt::CopyAction);
         event->accept();
     }
@@ -267,22 +313,36 @@ void frmBrowserImageFileList::dragEnterEvent(QDragEnterEvent* event)
 
 void frmBrowserImageFileList::dropEvent(QDropEvent* event)
 {
-    const QStringList paths = FilesOfMimeData(*event->mimeData());
-    if (mBusy > 0 || paths.isEmpty()) {
+    if (mBusy > 0) {
         return;
     }
     event->setDropAction(Qt::CopyAction);
     event->accept();
-    RunCommand(mPlatform.dialogs, [&] { AddFiles(paths, false); });
+    // Who dropped waits for the end of this call: the files are looked at afterwards.
+    ++mBusy;
+    QMetaObject::invokeMethod(
+        this,
+        [this, dropped = FileListCopy(*event->mimeData())] {
+            --mBusy;
+            RunCommand(mPlatform.dialogs, [&] { TakeDropped(dropped); });
+        },
+        Qt::QueuedConnection);
+}
+
+void frmBrowserImageFileList::FileMenuOpens()
+{
+    UpdateFileMenu();
+    const QMimeData* held = QApplication::clipboard()->mimeData();
+    mMenus.SetEnabled(QStringLiteral("mnuPaste"), mBusy == 0 && held && HoldsFileList(*held));
 }
 
 void frmBrowserImageFileList::UpdateFileMenu()
 {
     const bool idle = mBusy == 0;
+    const QMimeData* held = QApplication::clipboard()->mimeData();
     const bool any = idle && mModel.Count() > 0;
     mMenus.SetEnabled(QStringLiteral("mnuOpen"), idle);
-    mMenus.SetEnabled(QStringLiteral("mnuPaste"),
-                      idle && HoldsFileList(QApplication::clipboard()->mimeData()));
+    mMenus.SetEnabled(QStringLiteral("mnuPaste"), idle && held && MayHoldFileList(*held));
     for (const char* name :
          {"mnuPrint", "mnuSend", "mnuTileImages", "mnuClearALL", "mnuSave", "mnuRemoveSelected"}) {
         mMenus.SetEnabled(QLatin1String(name), any);
@@ -297,6 +357,8 @@ bool frmBrowserImageFileList::ThumbnailsShown() const
 void frmBrowserImageFileList::ShowTotal()
 {
     mTotal->setText(QString::number(mModel.Count()));
+    mHint->setVisible(mModel.Count() == 0);
+    mHint->raise();
     UpdateFileMenu();
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 #include "album/album_model.h"
+#include "album/partly_read.h"
 #include "album/ui/album_preview_pane.h"
 #include "core/browser_host.h"
 #include "core/session.h"
 #include "core/settings_store.h"
 #include "imaging/thumbs/thumbnail_pool.h"
+#include "platform/clip_files.h"
 #include "platform/platform.h"
 #include "widgets/background_jobs.h"
 #include "widgets/ui/menu_set.h"
@@ -12,9 +14,9 @@
 #include <QLabel>
 #include <QMainWindow>
 #include <QPlainTextEdit>
-#include <QSet>
 #include <QTableView>
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace quillane {
@@ -34,12 +36,15 @@ public:
     void ReadAlbumFile(const QString& path);
     /// Writes the album; an empty one or an empty path does nothing.
     void WriteAlbumFile(const QString& path);
-    /// Adds files to the album: duplicates are kept or left out.
-    void AddFiles(const QStringList& paths, bool duplicates);
-
     /// Composes a mail with these files attached; without one "Send..." says that it cannot.
     using Mailer = std::function<void(const QStringList& attachments)>;
     void SetMailer(Mailer mailer) { mMailer = std::move(mailer); }
+
+    /// Albums of which not all was read, remembered longer than this window lives.
+    void SharePartlyRead(std::shared_ptr<PartlyReadAlbums> albums)
+    {
+        mPartlyRead = std::move(albums);
+    }
 
     const AlbumModel& Rows() const { return mModel; }
     /// Whether files are being looked at, read or written.
@@ -56,10 +61,12 @@ protected:
 private:
     void Build();
     void BuildRows();
+    void BuildHint();
     void ConnectMenus();
     void ConnectViews();
     void LoadForm();
     void Unload();
+    void FileMenuOpens();
     void UpdateFileMenu();
 
     // Commands.
@@ -67,8 +74,10 @@ private:
     void Save();
     void Send();
     void Paste();
+    void TakeDropped(const std::shared_ptr<QMimeData>& dropped);
     void TileImages();
     void RemoveSelected();
+    void RemoveCells(const QVector<int>& steps);
     void ClearALL();
     void ChooseView(bool thumbnails);
 
@@ -103,18 +112,21 @@ private:
     AlbumPreviewPane* mPreview;
     QPlainTextEdit* mComment; ///< rtbComment
     QLabel* mTotal;           ///< lblTotalFiles
+    QLabel* mHint;            ///< lblEmptyAlbum, over the rows or the grid
     ThumbnailPool mPool;
     Mailer mMailer;
-    QSet<QString> mPartlyRead; ///< albums that hold more than was read of them
-    QString mWanted;           ///< an album asked for while another is read
-    quint64 mLookTicket = 0;   ///< answers to older looks are dropped
-    int mBusy = 0;             ///< work aside
+    std::shared_ptr<cClipFiles> mClipFiles; ///< of the clipboard, filled on another thread
+    std::shared_ptr<PartlyReadAlbums> mPartlyRead;
+    QString mWanted;         ///< an album asked for while another is read
+    quint64 mLookTicket = 0; ///< answers to older looks are dropped
+    int mBusy = 0;           ///< work aside
     bool mReading = false;
     bool mLooking = false;
     bool mGridEmpty = true; ///< the first cell is still to come
     bool mFormLoaded = false;
     bool mShowing = false; ///< the code changes the current row, not a person
     bool mCloseWanted = false;
+    bool mPressPreviewed = false; ///< the press that goes on has previewed its row
     BackgroundJobs mJobs;
 };
 

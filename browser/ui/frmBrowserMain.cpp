@@ -127,6 +127,7 @@ void frmBrowserMain::LoadSettings()
     mScan.SetIncludeSubDirectories(mSettings.includeSubDirectories);
     mViews->List()->SetSorted(mSettings.sorted);
     mViews->List()->SetGridLines(mSettings.gridLines);
+    mViews->List()->SetStyle(mSettings.listStyle); // also while the thumbnails are shown
     CheckView(mSettings.thumbnailsChecked ? -1 : mSettings.listStyle);
     mDirPath->clear();
     mDirPath->addItems(mHistory.Entries());

@@ -8,9 +8,11 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
+#include <QScreen>
 #include <QScrollArea>
 #include <QTabBar>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace quillane {
 
@@ -18,7 +20,8 @@ namespace {
 
 constexpr int kNumberWidth = 90; // logical pixels
 constexpr QSize kPreferencesSize{620, 540};
-constexpr int kTabSlack = 16; // what styles put before the first tab and behind the last
+constexpr int kTabSlack = 16;         // what styles put before the first tab and behind the last
+constexpr int kPreferencesTitle = 30; // what the desktop puts above a window
 
 QString IndexedName(const char* name, int index)
 {
@@ -73,6 +76,7 @@ frmBrowserPreferences::frmBrowserPreferences(Session& session, PreferencesTarget
 
     mTabs->setObjectName(QStringLiteral("tabPreferences"));
     mTabs->setAccessibleName(tr("Preferences"));
+    mTabs->tabBar()->setAccessibleName(tr("Kinds of settings"));
     mTabs->setUsesScrollButtons(true);
     mTabs->addTab(MakeFileTab(), tr("File/Thumbnail Settings"));
     mTabs->addTab(MakeImagingTab(), tr("Imaging Settings"));
@@ -89,12 +93,25 @@ frmBrowserPreferences::frmBrowserPreferences(Session& session, PreferencesTarget
     all->addWidget(mTabs, 1);
     all->addWidget(buttons);
     ConnectCommand(close, &QPushButton::clicked, this, mDialogs, [this] { Apply(); });
-    // Wide enough for the words of all tabs.
-    const int margins = all->contentsMargins().left() + all->contentsMargins().right();
-    resize(kPreferencesSize.expandedTo(
-        {mTabs->tabBar()->sizeHint().width() + margins + kTabSlack, 0}));
+    resize(FirstSize());
     Load();
     txtThumbX->setFocus();
+}
+
+QSize frmBrowserPreferences::FirstSize() const
+{
+    // Wide enough for the words of all tabs, high enough for all slots.
+    const QSize bar = mTabs->tabBar()->sizeHint();
+    const QMargins margins = layout()->contentsMargins();
+    int page = 0;
+    for (const auto* area : mTabs->findChildren<QScrollArea*>()) {
+        page = std::max(page, area->widget()->sizeHint().height());
+    }
+    const int buttons = layout()->itemAt(1)->sizeHint().height() + layout()->spacing();
+    const QSize whole(bar.width() + margins.left() + margins.right() + kTabSlack,
+                      bar.height() + page + buttons + margins.top() + margins.bottom() + kTabSlack);
+    return kPreferencesSize.expandedTo(whole).boundedTo(screen()->availableSize()
+                                                        - QSize(0, kPreferencesTitle));
 }
 
 QWidget* frmBrowserPreferences::MakeThumbnailFrame()
@@ -194,8 +211,9 @@ QWidget* frmBrowserPreferences::MakeSlot(const char* kind, int number, SlotRow& 
 {
     const QString word = QLatin1String(kind);
     const bool tool = word == QLatin1String("Tool");
-    const QString title =
-        (tool ? tr("Custom Tool %1") : tr("Custom Application %1")).arg(number + 1);
+    const QString caption =
+        (tool ? tr("Custom Tool &%1") : tr("Custom Application &%1")).arg(number + 1);
+    const QString title = QString(caption).remove(u'&');
     const auto name = [&](QWidget* widget, const QString& before, const char* behind) {
         widget->setObjectName(
             IndexedName((before + word + QLatin1String(behind)).toLatin1().constData(), number));
@@ -203,7 +221,7 @@ QWidget* frmBrowserPreferences::MakeSlot(const char* kind, int number, SlotRow& 
     auto* frame = new QGroupBox;
     name(frame, QStringLiteral("fraCustom"), "");
     frame->setAccessibleName(title);
-    row.active = new QCheckBox(title);
+    row.active = new QCheckBox(caption);
     name(row.active, QStringLiteral("chkCustom"), "");
     row.active->setToolTip(tool ? tr("Show this tool in the Tools menu and the pop-up menu")
                                 : tr("Show this application in the Applications menu"));
@@ -249,6 +267,9 @@ QWidget* frmBrowserPreferences::MakeSlotTab(const char* kind, Four<SlotRow>& row
     area->setWidgetResizable(true);
     area->setFocusPolicy(Qt::NoFocus);
     area->setWidget(inside);
+    // The page of the tab shows through.
+    area->viewport()->setAutoFillBackground(false);
+    inside->setAutoFillBackground(false);
     return area;
 }
 

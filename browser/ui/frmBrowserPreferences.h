@@ -41,6 +41,7 @@ private:
     QWidget* MakeListFrame();
     QWidget* MakeKeywordFrame();
     QWidget* MakeVideoFrame();
+    QSize FirstSize() const;
     void Load();
     PreferencesForm Gather() const;
     void ShowWrongNumber();

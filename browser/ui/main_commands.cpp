@@ -9,6 +9,7 @@
 #include "core/export_list.h"
 #include "core/file_kinds.h"
 #include "core/paths.h"
+#include "platform/run_aside.h"
 #include "platform/ui/command_connector.h"
 #include "widgets/ui/scan_source_dialog.h"
 
@@ -17,14 +18,10 @@
 #include <QLineEdit>
 #include <QPointer>
 #include <QShortcut>
+#include <memory>
+#include <utility>
 
 namespace quillane {
-
-namespace {
-
-constexpr int kSlotsOfAKind = 4;
-
-} // namespace
 
 void frmBrowserMain::Command(const char* name, const std::function<void()>& command)
 {
@@ -57,10 +54,6 @@ void frmBrowserMain::ConnectMenus()
                 UpdateImageInImageList();
             }
         });
-    }
-    for (int i = 0; i < kSlotsOfAKind; ++i) {
-        const QByteArray name = "mnuCustomApp" + QByteArray::number(i + 1);
-        Command(name.constData(), [this, i] { RunSlot(mSlots.apps[size_t(i)]); });
     }
     Command("mnuFileFiles", [this] {
         if (auto* locator = qobject_cast<QWidget*>(mWindows.Get(QStringLiteral("frmLocate")))) {
@@ -239,25 +232,6 @@ void frmBrowserMain::UpdatePopup()
     mMenus.SetEnabled(QStringLiteral("mnuPopShow"), rules.showAlbum);
 }
 
-void frmBrowserMain::ApplyCustomTools()
-{
-    const auto apply = [this](const QString& name, const CustomSlotEntry& state) {
-        QAction* action = mMenus.Action(name);
-        action->setVisible(state.visible);
-        action->setEnabled(state.enabled);
-        if (state.visible) {
-            action->setText(state.caption);
-        }
-    };
-    const CustomSlotEntries entries = quillane::ApplyCustomTools(mSlots);
-    for (int i = 0; i < kSlotsOfAKind; ++i) {
-        const QString number = QString::number(i + 1);
-        apply(QStringLiteral("mnuCustomTool") + number, entries.tools[size_t(i)]);
-        apply(QStringLiteral("mnuPopCustomTool") + number, entries.tools[size_t(i)]);
-        apply(QStringLiteral("mnuCustomApp") + number, entries.apps[size_t(i)]);
-    }
-}
-
 void frmBrowserMain::SetImageTool(qint32 tool)
 {
     mSession.gsImageTool = tool;
@@ -404,9 +378,22 @@ void frmBrowserMain::ShowFiles(const QVector<QString>& paths)
         return;
     }
     mViews->ClearRows(mSession.gsFileKeyword);
-    for (const QString& path : paths) {
-        const FileStat stat = StatPath(path);
-        mViews->AddRow({path, stat.size, stat.modifiedSeconds});
+    // They may lie on slow volumes. Meanwhile a folder may be chosen, or the window may go.
+    auto rows = std::make_shared<QVector<ScanRow>>();
+    const QPointer<frmBrowserMain> self(this);
+    RunAside(mPlatform.loop, [rows, paths] {
+        rows->reserve(paths.size());
+        for (const QString& path : paths) {
+            const FileStat stat = StatPath(path);
+            const bool there = stat.type != FileType::Missing;
+            rows->append({path, stat.size, there ? stat.modifiedSeconds : -1});
+        }
+    });
+    if (!self || mSession.lbFilTiffs != paths) {
+        return;
+    }
+    for (const ScanRow& row : std::as_const(*rows)) {
+        mViews->AddRow(row);
     }
     mViews->FinishRows();
     UpdateFileMenu();

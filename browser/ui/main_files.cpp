@@ -46,7 +46,9 @@ void frmBrowserMain::PickFolder(const QString& caption)
 
 void frmBrowserMain::PickProgram(const QString& caption)
 {
-    frmBrowse browse(mSession, mPlatform.dialogs, mPlatform.places.Home(), this);
+    // Above the window that asks for it.
+    QWidget* const asking = QApplication::activeModalWidget();
+    frmBrowse browse(mSession, mPlatform.dialogs, mPlatform.places.Home(), asking ? asking : this);
     browse.setWindowTitle(caption);
     browse.PickFiles(mSession.exePath);
     browse.exec();

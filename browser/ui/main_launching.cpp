@@ -14,6 +14,9 @@ namespace quillane {
 
 namespace {
 
+constexpr int kSlotsOfAKind = 4;
+constexpr int kWidestCaption = 400; // pixels of a menu that a slot may take
+
 /// A line for a window that may have gone when there is something to tell.
 TellLine LineFor(frmBrowserMain* window)
 {
@@ -28,6 +31,10 @@ TellLine LineFor(frmBrowserMain* window)
 
 void frmBrowserMain::ConnectLaunching()
 {
+    for (int i = 0; i < kSlotsOfAKind; ++i) {
+        const QByteArray name = "mnuCustomApp" + QByteArray::number(i + 1);
+        Command(name.constData(), [this, i] { RunSlot(mSlots.apps[size_t(i)]); });
+    }
     for (const char* name : {"mnuEmailImages", "mnuPopEmail"}) {
         Command(name, [this] { SendImages(); });
     }
@@ -37,6 +44,26 @@ void frmBrowserMain::ConnectLaunching()
     Command("mnuPopSetWallpaper",
             [this] { SetPhotoAsWallpaper(mSession.gsFileName, mPlatform, LineFor(this)); });
     Command("mnuMainFilePreferences", [this] { ShowPreferences(); });
+}
+
+void frmBrowserMain::ApplyCustomTools()
+{
+    const auto apply = [this](const QString& name, const CustomSlotEntry& state) {
+        QAction* action = mMenus.Action(name);
+        action->setVisible(state.visible);
+        action->setEnabled(state.enabled);
+        if (state.visible) {
+            action->setText(fontMetrics().elidedText(state.caption, Qt::ElideRight, kWidestCaption,
+                                                     Qt::TextShowMnemonic));
+        }
+    };
+    const CustomSlotEntries entries = quillane::ApplyCustomTools(mSlots);
+    for (int i = 0; i < kSlotsOfAKind; ++i) {
+        const QString number = QString::number(i + 1);
+        apply(QStringLiteral("mnuCustomTool") + number, entries.tools[size_t(i)]);
+        apply(QStringLiteral("mnuPopCustomTool") + number, entries.tools[size_t(i)]);
+        apply(QStringLiteral("mnuCustomApp") + number, entries.apps[size_t(i)]);
+    }
 }
 
 void frmBrowserMain::RunSlot(const CustomSlot& slot)
@@ -70,9 +97,11 @@ void frmBrowserMain::ShowPreferences()
                                 }
                             },
                             [this] { ApplyCustomTools(); }});
-    frmBrowserPreferences preferences(
-        mSession, target, mPlatform.dialogs, [this] { return FileOperation(kPickProgram); }, this);
-    preferences.exec();
+    // It may go with this window while it is shown.
+    const QPointer<frmBrowserPreferences> preferences(new frmBrowserPreferences(
+        mSession, target, mPlatform.dialogs, [this] { return FileOperation(kPickProgram); }, this));
+    preferences->exec();
+    delete preferences;
 }
 
 void frmBrowserMain::CheckView(int style)

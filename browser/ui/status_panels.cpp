@@ -8,15 +8,14 @@ namespace {
 
 struct PanelLook {
     const char* name;
-    int width; ///< in average characters
-    int stretch;
+    const char16_t* widest; ///< what it is wide enough for; null: for what is left
     const char* accessible;
 };
 constexpr PanelLook kPanelLooks[] = {
-    {"StatusBar1_1", 14, 0, "Search state"},
-    {"StatusBar1_2", 14, 0, "Search result"},
-    {"StatusBar1_3", 24, 0, "Number of files"},
-    {"StatusBar1_4", 20, 1, "Folder"},
+    {"StatusBar1_1", u"Search = ON", "Search state"},
+    {"StatusBar1_2", u"Search Found:", "Search result"},
+    {"StatusBar1_3", u"Total Images = 1000000", "Number of files"},
+    {"StatusBar1_4", nullptr, "Folder"},
 };
 constexpr int kTellMilliseconds = 6000;
 constexpr int kPanelMargin = 6;
@@ -30,7 +29,9 @@ void StatusPanel::SetText(const QString& text)
 {
     if (mText != text) {
         mText = text;
-        setToolTip(text);
+        setToolTip(text.isEmpty() ? QString()
+                                  : QStringLiteral("<p style='white-space:pre-wrap'>%1</p>")
+                                        .arg(text.toHtmlEscaped()));
         setAccessibleDescription(text);
         update();
     }
@@ -70,11 +71,12 @@ StatusPanels::StatusPanels(QStatusBar* bar) : mBar(bar)
         auto* panel = new StatusPanel(bar);
         panel->setObjectName(QLatin1String(look.name));
         panel->setAccessibleName(QLatin1String(look.accessible));
-        if (look.stretch == 0) {
-            panel->setFixedWidth(look.width * bar->fontMetrics().averageCharWidth()
-                                 + 2 * kPanelMargin);
+        if (look.widest) {
+            panel->setFixedWidth(
+                bar->fontMetrics().horizontalAdvance(QString::fromUtf16(look.widest))
+                + 3 * kPanelMargin);
         }
-        bar->addWidget(panel, look.stretch);
+        bar->addWidget(panel, look.widest ? 0 : 1);
         mPanels[i] = panel;
     }
 }

@@ -8,6 +8,8 @@
 #include "search/ui/frmBrowserSearch.h"
 #include "viewer/ui/frmToolImageDisplay.h"
 
+#include <memory>
+
 namespace quillane {
 
 void RegisterWindows(WindowRegistry& windows, Session& session, SettingsStore& store,
@@ -26,9 +28,11 @@ void RegisterWindows(WindowRegistry& windows, Session& session, SettingsStore& s
     tell("frmBrowserSearch", [&session, &store, platform, &host, &criteria, owner] {
         return new frmBrowserSearch(session, store, criteria, platform, host, owner);
     });
-    tell("frmBrowserImageFileList", [&session, &store, platform, &host, owner] {
+    const auto partlyRead = std::make_shared<PartlyReadAlbums>();
+    tell("frmBrowserImageFileList", [&session, &store, platform, &host, owner, partlyRead] {
         auto* album = new frmBrowserImageFileList(session, store, platform, &host, owner);
         album->SetMailer(SendAlbumByMail(platform, album));
+        album->SharePartlyRead(partlyRead);
         return album;
     });
     tell("frmLocate", [&session, platform, owner] {

@@ -71,16 +71,16 @@ ThumbnailScanner::State::HeaderResult ThumbnailScanner::State::ReadHeader(const 
 {
     HeaderResult result;
     result.ready = true;
-    if (isWanted && !isWanted(path)) {
-        result.status = kScanUnwanted;
-        return result;
-    }
-    if (IsNoPictureByName(path)) {
-        const bool there = StatPath(path).type == FileType::Regular;
-        result.status = there ? kScanKnownOther : kScanIgnored;
-        return result;
-    }
     try {
+        if (isWanted && !isWanted(path)) {
+            result.status = kScanUnwanted;
+            return result;
+        }
+        if (IsNoPictureByName(path)) {
+            const bool there = StatPath(path).type == FileType::Regular;
+            result.status = there ? kScanKnownOther : kScanIgnored;
+            return result;
+        }
         result.facts = ProbeFile(path);
         result.status = kScanGood;
     } catch (const Failure&) {

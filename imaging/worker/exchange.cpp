@@ -9,7 +9,7 @@
 namespace quillane::worker {
 
 namespace {
-constexpr std::chrono::seconds kStartSeconds{10};         ///< until a new process is ready
+constexpr std::chrono::seconds kStartSeconds{30};         ///< until a new process is ready
 constexpr std::chrono::milliseconds kLookAtCancelled{10}; ///< how often the flag is looked at
 constexpr std::chrono::milliseconds kFarewell{60};        ///< for the end of a cancelled request
 } // namespace
@@ -73,14 +73,17 @@ bool Exchange::Wait(Clock::time_point until, bool mayCancel)
         if (mayCancel && mCancelled && mCancelled->load()) {
             Abandon();
         }
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now());
-        if (left.count() <= 0) {
-            return false;
-        }
+        // What has come counts, however late it is looked at.
+        const auto left =
+            std::max(std::chrono::ceil<std::chrono::milliseconds>(until - Clock::now()),
+                     std::chrono::milliseconds(0));
         const auto slice = mayCancel && mCancelled ? std::min(left, kLookAtCancelled) : left;
         pollfd one{mProcess->Socket(), POLLIN, 0};
         if (::poll(&one, 1, int(slice.count())) > 0) {
             return true;
+        }
+        if (left.count() == 0) {
+            return false;
         }
     }
 }
@@ -119,6 +122,11 @@ void Exchange::AwaitReady()
     }
 }
 
+void Exchange::StartTime(int seconds)
+{
+    mTime.Start(std::chrono::seconds(seconds), Clock::now(), ProcessorTime(mProcess->Pid()));
+}
+
 void Exchange::Ask(MessageKind kind, int fileDescriptor, qint64 fileBytes, qint32 page,
                    qint32 minWidth, qint32 minHeight, int seconds)
 {
@@ -132,7 +140,7 @@ void Exchange::Ask(MessageKind kind, int fileDescriptor, qint64 fileBytes, qint3
     request.atLeastHeight = minHeight;
     std::copy_n(mCodec.constData(), std::min<qsizetype>(mCodec.size(), sizeof(request.codec) - 1),
                 request.codec);
-    mDeadline = Clock::now() + std::chrono::seconds(seconds);
+    StartTime(seconds);
     Say(request, fileDescriptor);
 }
 
@@ -153,7 +161,7 @@ void Exchange::AskToEncode(EncodeMessage& request, int originalDescriptor, qint6
     request.originalBytes = originalDescriptor < 0 ? -1 : originalBytes;
     std::copy_n(mCodec.constData(), std::min<qsizetype>(mCodec.size(), sizeof(request.codec) - 1),
                 request.codec);
-    mDeadline = Clock::now() + std::chrono::seconds(seconds);
+    StartTime(seconds);
     Say(request, originalDescriptor);
     Grant();
 }
@@ -161,7 +169,8 @@ void Exchange::AskToEncode(EncodeMessage& request, int originalDescriptor, qint6
 MessageKind Exchange::Next()
 {
     do {
-        if (!Wait(mDeadline, true)) {
+        const bool answered = Wait(mTime.NextLook(), true);
+        if (!mTime.MayGoOn(Clock::now(), ProcessorTime(mProcess->Pid()), answered)) {
             Slow();
         }
     } while (!Read());

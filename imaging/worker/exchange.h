@@ -1,5 +1,6 @@
 #pragma once
 #include "imaging/worker/protocol.h"
+#include "imaging/worker/request_time.h"
 #include "imaging/worker/worker_pool.h"
 #include <QByteArray>
 #include <chrono>
@@ -66,6 +67,7 @@ private:
     bool Wait(Clock::time_point until, bool mayCancel);
     bool Read();
     void AwaitReady();
+    void StartTime(int seconds);
     [[noreturn]] void Fail(const char* words);
     template <typename Message> void Say(const Message& message, int descriptor = -1);
 
@@ -80,7 +82,7 @@ private:
         alignas(16) char bytes[kMaxMessageBytes];
     };
     std::unique_ptr<Aligned> mStorage;
-    Clock::time_point mDeadline;
+    RequestTime mTime;
     quint64 mTicket = 0;
     qint64 mBytes = 0;
     bool mHealthy = false;

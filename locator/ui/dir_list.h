@@ -1,6 +1,7 @@
 #pragma once
 #include "widgets/background_jobs.h"
 #include "widgets/folder_reader.h"
+#include <QTimer>
 #include <QTreeWidget>
 
 namespace quillane {
@@ -29,12 +30,17 @@ protected:
 
 private:
     void ShowAncestors();
-    void ShowContent(const FolderContent& content);
+    void ShowContent(FolderContent&& content);
+    void ShowMore();
+    QTreeWidgetItem* AddAncestor(QTreeWidgetItem* parent, const QString& name, const QString& path);
 
     QString mPath;
     QTreeWidgetItem* mOpen = nullptr; ///< the folder's own node
     BackgroundJobs mJobs;
     quint64 mTicket = 0;
+    FolderContent mContent; ///< of the folder
+    qsizetype mShown = 0;   ///< so many of its entries are in the list
+    QTimer mMore;           ///< adds the others by and by
     bool mReading = false;
 };
 

@@ -42,6 +42,7 @@ FoundList::FoundList(const UiLoop& loop, QWidget* parent)
     setSelectionMode(QAbstractItemView::ExtendedSelection);
     setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     setAlternatingRowColors(true);
+    ForgetWidths();
 }
 
 void FoundList::Clear()
@@ -77,10 +78,16 @@ QStringList FoundList::SelectedPaths() const
 void FoundList::changeEvent(QEvent* event)
 {
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
-        mWidths.clear();
-        mDateWidth = -1;
+        ForgetWidths();
     }
     QListView::changeEvent(event);
+}
+
+void FoundList::ForgetWidths()
+{
+    mUsualWidths.fill(-1);
+    mWidths.clear();
+    mDateWidth = -1;
 }
 
 qreal FoundList::WidthOf(QStringView text)
@@ -88,6 +95,14 @@ qreal FoundList::WidthOf(QStringView text)
     // The sum of single widths is a little more than the text's own where letters move together.
     qreal width = 0;
     for (const QChar unit : text) {
+        if (unit.unicode() < mUsualWidths.size()) {
+            qreal& usual = mUsualWidths[unit.unicode()];
+            if (usual < 0) {
+                usual = QFontMetricsF(font()).horizontalAdvance(unit);
+            }
+            width += usual;
+            continue;
+        }
         auto known = mWidths.constFind(unit.unicode());
         if (known == mWidths.cend()) {
             known = mWidths.insert(unit.unicode(), QFontMetricsF(font()).horizontalAdvance(unit));
@@ -113,13 +128,21 @@ void FoundList::Measure(const std::vector<LocatorSearch::Batch>& batches)
 {
     const qreal blanks = WidthOf(u"   ");
     const qreal date = DateWidth();
+    qreal digit = 0;
+    for (const QChar one : QStringView(u"0123456789")) {
+        digit = std::max(digit, WidthOf(QStringView(&one, 1)));
+    }
     qreal widest = 0;
     for (const LocatorSearch::Batch& batch : batches) {
         const qreal folder = WidthOf(batch.folder);
         for (const FoundFile& file : batch.files) {
             qreal width = folder + WidthOf(file.name);
             if (!file.exact) {
-                width += 2 * blanks + WidthOf(QString::number(file.size)) + date;
+                int digits = 1;
+                for (qint64 rest = file.size / 10; rest > 0; rest /= 10) {
+                    ++digits;
+                }
+                width += 2 * blanks + digits * digit + date;
             }
             widest = std::max(widest, width);
         }

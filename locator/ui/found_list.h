@@ -2,6 +2,7 @@
 #include "locator/found_model.h"
 #include <QHash>
 #include <QListView>
+#include <array>
 
 namespace quillane {
 
@@ -28,13 +29,15 @@ protected:
 
 private:
     class Delegate;
+    void ForgetWidths();
     qreal WidthOf(QStringView text);
     void Measure(const std::vector<LocatorSearch::Batch>& batches);
     qreal DateWidth();
 
     const UiLoop& mLoop;
     FoundModel* mModel;
-    QHash<char16_t, qreal> mWidths; ///< of single units, in the list's font
+    std::array<qreal, 0x180> mUsualWidths; ///< of the first units, in the list's font; -1: open
+    QHash<char16_t, qreal> mWidths;        ///< of others
     qreal mDateWidth = -1;
     qint32 mWidestText = 0;
 };

@@ -3,8 +3,8 @@
 #include "core/paths.h"
 #include "locator/drives.h"
 #include "locator/ui/status_line.h"
-#include "platform/ui/command_connector.h"
 #include "platform/file_list_mime.h"
+#include "platform/ui/command_connector.h"
 #include "widgets/mounted_volumes.h"
 
 #include <QApplication>
@@ -67,7 +67,7 @@ frmLocate::~frmLocate()
 
 void frmLocate::BuildMenu()
 {
-    QMenu* file = menuBar()->addMenu(tr("&File"));
+    QMenu* file = menuBar()->addMenu(tr("F&ile")); // Alt+F is the button's
     file->setObjectName(QStringLiteral("mnuFile"));
     file->setToolTipsVisible(true);
     QAction* exit = file->addAction(QStringLiteral("E&xit"));
@@ -83,9 +83,9 @@ QWidget* frmLocate::BuildChoices()
     Text1->setClearButtonEnabled(true);
     Text1->setToolTip(tr("Patterns divided by \";\", with \"*\" at their beginning or end: "
                          "*.jpg;holiday*;*beach*"));
-    NameControl(Check1, "Check1_0", tr("Include subfolders"));
-    NameControl(cmdAction[0], "cmdAction_0", tr("Find files"));
-    NameControl(cmdAction[1], "cmdAction_1", tr("Cancel the search"));
+    NameControl(Check1, "Check1(0)", tr("Include subfolders"));
+    NameControl(cmdAction[0], "cmdAction(0)", tr("Find files"));
+    NameControl(cmdAction[1], "cmdAction(1)", tr("Cancel the search"));
     NameControl(Drive1, "Drive1", tr("Drive to search"));
     NameControl(Dir1, "Dir1", tr("Folder to search"));
     Drive1->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);

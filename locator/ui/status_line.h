@@ -8,6 +8,7 @@ class StatusLine : public QLabel {
     Q_OBJECT
 public:
     using QLabel::QLabel;
+    QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
 protected:

@@ -142,7 +142,7 @@ void DesktopLauncher::Run(const QString& program, const QStringList& arguments,
         return;
     }
     WatchedProgram::Run(
-        {path, bytes, workingFolder},
+        {path, bytes, workingFolder, 0, false},
         [failed = std::move(failed)](const ProgramEnd& end) {
             if (!end.Good()) {
                 failed(end.Words());

@@ -124,9 +124,13 @@ void DesktopMail::AskXdgEmail(const QStringList& attachments, const ServiceEnded
 {
     const QString program = FindProgram(QStringLiteral("xdg-email"));
     if (program.isEmpty()) {
+        const bool tooMany = SessionBusTakesFiles() && attachments.size() > kMostDescriptors;
         ended(Failure(kFailureGeneral,
-                      QStringLiteral("No mail program was found. Install one, and the package "
-                                     "xdg-utils.")));
+                      tooMany ? QStringLiteral("More than %1 files need xdg-email. Send fewer at "
+                                               "once, or install the package xdg-utils.")
+                                    .arg(kMostDescriptors)
+                              : QStringLiteral("No mail program was found. Install one, and the "
+                                               "package xdg-utils.")));
         return;
     }
     QList<QByteArray> arguments;
@@ -141,7 +145,7 @@ void DesktopMail::AskXdgEmail(const QStringList& attachments, const ServiceEnded
     try {
         // It ends with the mail program, so it may take any time.
         WatchedProgram::Run(
-            {program, arguments, {}, 0},
+            {program, arguments, {}, 0, false},
             [ended](const ProgramEnd& end) {
                 ended(end.Good() ? std::nullopt : std::optional<Failure>(MailFailure(end)));
             },

@@ -62,23 +62,6 @@ private:
     }
 };
 
-/// Takes the program's exit status when it ends, so that nothing is left of it.
-void ReapWhenEnded(pid_t child)
-{
-    auto* const application = QCoreApplication::instance();
-    auto ended = std::make_shared<FileHandle>(int(::syscall(SYS_pidfd_open, child, 0)));
-    if (!ended->IsOpen() || !application || QThread::currentThread() != application->thread()) {
-        return;
-    }
-    auto* const notifier = new QSocketNotifier(ended->Fd(), QSocketNotifier::Read, application);
-    QObject::connect(notifier, &QSocketNotifier::activated, application, [=] {
-        notifier->setEnabled(false);
-        ::waitpid(child, nullptr, WNOHANG);
-        notifier->deleteLater();
-    });
-    QObject::connect(notifier, &QObject::destroyed, [ended] { *ended = FileHandle(); });
-}
-
 Failure SpawnFailure(int error, const QString& program)
 {
     switch (error) {
@@ -123,6 +106,22 @@ pid_t Spawn(const QString& program, const QList<QByteArray>& arguments, const QS
         throw SpawnFailure(error, program);
     }
     return child;
+}
+
+void ReapWhenEnded(pid_t child)
+{
+    auto* const application = QCoreApplication::instance();
+    auto ended = std::make_shared<FileHandle>(int(::syscall(SYS_pidfd_open, child, 0)));
+    if (!ended->IsOpen() || !application || QThread::currentThread() != application->thread()) {
+        return;
+    }
+    auto* const notifier = new QSocketNotifier(ended->Fd(), QSocketNotifier::Read, application);
+    QObject::connect(notifier, &QSocketNotifier::activated, application, [=] {
+        notifier->setEnabled(false);
+        ::waitpid(child, nullptr, WNOHANG);
+        notifier->deleteLater();
+    });
+    QObject::connect(notifier, &QObject::destroyed, [ended] { *ended = FileHandle(); });
 }
 
 void SpawnDetached(const QString& program, const QList<QByteArray>& arguments,

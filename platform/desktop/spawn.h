@@ -22,5 +22,8 @@ struct SpawnStreams {
 /// process, which leads a process group of its own.
 pid_t Spawn(const QString& program, const QList<QByteArray>& arguments, const QString& folder,
             const SpawnStreams& streams);
+/// Takes that status for a caller that no longer wants it, when the child ends. Does nothing
+/// without the application object.
+void ReapWhenEnded(pid_t child);
 
 } // namespace quillane

@@ -84,7 +84,7 @@ void WatchedProgram::Run(const Start& start, Ended ended, QObject* parent)
 
 WatchedProgram::WatchedProgram(const Start& start, Ended ended, QObject* parent)
     : QObject(parent),
-      mOutput(MakeSlate()),
+      mOutput(start.keepOutput ? MakeSlate() : FileHandle()),
       mErrors(MakeSlate()),
       mEnded(std::move(ended))
 {
@@ -108,6 +108,13 @@ WatchedProgram::WatchedProgram(const Start& start, Ended ended, QObject* parent)
                 ::kill(-mChild, SIGKILL); // with all it has started
             }
         });
+    }
+}
+
+WatchedProgram::~WatchedProgram()
+{
+    if (mChild > 0) {
+        ReapWhenEnded(mChild);
     }
 }
 

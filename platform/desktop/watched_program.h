@@ -34,10 +34,12 @@ public:
         QString program;             ///< full path
         QList<QByteArray> arguments; ///< as bytes
         QString folder;              ///< to start in; empty: the current one
-        int patience = 0; ///< milliseconds after which it is ended; 0: it may take any time
+        int patience = 0;       ///< milliseconds after which it is ended; 0: it may take any time
+        bool keepOutput = true; ///< else what it does not write as a complaint goes nowhere
     };
     /// Starts it; Failure as SpawnDetached. The object deletes itself behind `ended`.
     static void Run(const Start& start, Ended ended, QObject* parent);
+    ~WatchedProgram() override;
 
 private:
     WatchedProgram(const Start& start, Ended ended, QObject* parent);

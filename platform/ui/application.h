@@ -1,4 +1,5 @@
 #pragma once
+#include "platform/ui/group_box_keys.h"
 #include <QApplication>
 
 namespace quillane {
@@ -9,6 +10,9 @@ class Application : public QApplication {
 public:
     Application(int& argc, char** argv);
     bool notify(QObject* receiver, QEvent* event) override;
+
+private:
+    GroupBoxKeys mGroupBoxKeys;
 };
 
 } // namespace quillane

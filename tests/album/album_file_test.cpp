@@ -1,8 +1,13 @@
 #include "album/album_file.h"
+#include "core/atomic_save.h"
 #include "core/expect_failure.h"
+#include "core/failure.h"
 #include "core/temp_folder.h"
 
+#include <cerrno>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace quillane {
 
@@ -63,6 +68,64 @@ TEST(WriteAlbumFile, KeepsThePreviousFileAndNeverAnOlderOneInstead)
     EXPECT_EQ(folder.Content("a.ifl~"), "first");
     EXPECT_EQ(folder.Content("a.ifl~~"), "/second\r\n");
     EXPECT_EQ(folder.Content("a.ifl"), "/third\r\n");
+}
+
+TEST(WriteAlbumFile, DiskThatFailsAtAnyStepLeavesTheOldAlbum)
+{
+    bool failed = true;
+    for (int failing = 0; failed; ++failing) {
+        const TempFolder folder;
+        folder.Write("a.ifl", "as it was");
+        int step = 0;
+        failed = false;
+        bool told = false;
+        {
+            const SaveProbeScope probe([&](SaveStep, qint64&) {
+                const bool now = step++ == failing;
+                failed = failed || now;
+                return now ? ENOSPC : 0;
+            });
+            try {
+                WriteAlbumFile(folder.Path("a.ifl"), {}, {QStringLiteral("/a")}, true);
+            } catch (const Failure& failure) {
+                told = true;
+                EXPECT_FALSE(failure.Description().isEmpty());
+            }
+        }
+        // What does not matter to the content may fail without the save failing.
+        EXPECT_EQ(folder.Content("a.ifl"), told ? "as it was" : "/a\r\n") << failing;
+        if (!told) {
+            EXPECT_EQ(folder.Content("a.ifl~"), "as it was") << failing;
+        }
+    }
+}
+
+TEST(WriteAlbumFile, BehindALinkTheTargetIsWritten)
+{
+    const TempFolder folder;
+    folder.Write("a.ifl", "as it was");
+    folder.Link("a.ifl", "link.ifl");
+    WriteAlbumFile(folder.Path("link.ifl"), {}, {QStringLiteral("/a")});
+    EXPECT_EQ(folder.Content("a.ifl"), "/a\r\n");
+    struct stat found;
+    ASSERT_EQ(lstat(folder.Bytes("link.ifl").constData(), &found), 0);
+    EXPECT_TRUE(S_ISLNK(found.st_mode));
+}
+
+TEST(WriteAlbumFile, TooManyOlderCopiesAreToldAndNoneIsLost)
+{
+    const TempFolder folder;
+    folder.Write("a.ifl", "as it was");
+    QByteArray name = "a.ifl";
+    for (int i = 0; i < 20; ++i) {
+        name += '~';
+        folder.Write(name, name);
+    }
+    EXPECT_EQ(
+        FailureOf([&] { WriteAlbumFile(folder.Path("a.ifl"), {}, {QStringLiteral("/a")}, true); }),
+        kFailureGeneral);
+    EXPECT_EQ(folder.Content("a.ifl"), "as it was");
+    EXPECT_EQ(folder.Content("a.ifl~"), "a.ifl~");
 }
 
 TEST(WriteAlbumFile, FailureLeavesTheOldAlbum)
@@ -195,11 +258,70 @@ TEST(ReadAlbumFile, EndlessLineEndsTheReadingWithWhatStoodBefore)
     EXPECT_EQ(PathsOf(QByteArray(kMaxAlbumLine, 'x')).size(), 1);
 }
 
-TEST(ReadAlbumFile, EndlessCommentEndsTheReading)
+TEST(ReadAlbumFile, EndlessCommentIsCutAndThePathsAreRead)
 {
-    const AlbumText album = ParseAlbum("#\r\n" + QByteArray(kMaxAlbumComment + 1, 'x'));
-    EXPECT_TRUE(album.comment.isEmpty());
+    const QByteArray lines = QByteArray("abc\n").repeated(kMaxAlbumComment);
+    for (const QByteArray& comment :
+         {QByteArray(kMaxAlbumComment + 1, 'x'), QByteArray(8 << 20, 'x'),
+          QByteArray("\xc3\xbc").repeated(kMaxAlbumComment + 1), lines}) {
+        const AlbumText album = ParseAlbum("#\r\n" + comment + "\n#\n/a\n/b\n");
+        EXPECT_EQ(album.comment.size(), kMaxAlbumComment);
+        EXPECT_FALSE(album.endedEarly.isEmpty());
+        EXPECT_EQ(album.paths, (Paths{QStringLiteral("/a"), QStringLiteral("/b")}));
+    }
+    EXPECT_TRUE(
+        ParseAlbum("#\n" + QByteArray(kMaxAlbumComment, 'x') + "\n#\n/a\n").endedEarly.isEmpty());
+}
+
+TEST(ReadAlbumFile, CommentIsNeverCutInsideACharacter)
+{
+    for (int before = 0; before < 8; ++before) {
+        const AlbumText album = ParseAlbum("#\n" + QByteArray(before, 'x')
+                                           + QByteArray("\xe2\x82\xac").repeated(1 << 20) + "\n");
+        EXPECT_EQ(album.comment.size(), kMaxAlbumComment);
+        EXPECT_EQ(album.comment.back(), QChar(0x20AC)) << before;
+        EXPECT_EQ(album.comment.count(QChar(0x20AC)), kMaxAlbumComment - before);
+    }
+}
+
+TEST(ReadAlbumFile, RubbishBehindAMarkIsNoEndlessComment)
+{
+    const AlbumText album = ParseAlbum("#\n" + QByteArray(32 << 20, '\xff'));
+    EXPECT_EQ(album.comment.size(), kMaxAlbumComment);
     EXPECT_FALSE(album.endedEarly.isEmpty());
+}
+
+TEST(ReadAlbumFile, NulsArePartOfTheirLine)
+{
+    const AlbumText album = ParseAlbum(QByteArray("/a\0b\n\0\n", 7));
+    ASSERT_EQ(album.paths.size(), 2);
+    EXPECT_EQ(album.paths.at(0).size(), 4);
+    EXPECT_EQ(BytesFromPath(album.paths.at(0)), QByteArray("/a\0b", 4));
+}
+
+TEST(ReadAlbumFile, LineEndsMayBeMixed)
+{
+    const Paths ab{QStringLiteral("/a"), QStringLiteral("/b")};
+    for (const char* content : {"/a\r\n/b\n", "/a\n/b\r\n", "/a\r/b\r", "/a\r/b", "/a\n/b"}) {
+        EXPECT_EQ(PathsOf(content), ab) << content;
+    }
+    EXPECT_EQ(PathsOf("/a\rb\r\n"), Paths{QStringLiteral("/a\rb")});
+}
+
+TEST(ReadAlbumFile, FileBeyondTheLimitIsRefusedUnread)
+{
+    const TempFolder folder;
+    folder.Write("a.ifl", "/a\n");
+    ASSERT_EQ(truncate(folder.Bytes("a.ifl").constData(), kMaxAlbumBytes + 1), 0);
+    EXPECT_EQ(FailureOf([&] { ReadAlbumText(folder.Path("a.ifl")); }), kFailureLimit);
+}
+
+TEST(ReadAlbumFile, FifosAndDevicesAreRefusedWithoutBeingWaitedFor)
+{
+    const TempFolder folder;
+    ASSERT_EQ(mkfifo(folder.Bytes("a.ifl").constData(), 0644), 0);
+    EXPECT_EQ(FailureOf([&] { ReadAlbumText(folder.Path("a.ifl")); }), kFailureIo);
+    EXPECT_EQ(FailureOf([] { ReadAlbumText(QStringLiteral("/dev/zero")); }), kFailureIo);
 }
 
 TEST(ReadAlbumFile, EmptyFileHasNothing)

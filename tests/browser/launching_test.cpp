@@ -3,9 +3,11 @@
 #include "browser/wallpaper_road.h"
 
 #include "core/expect_failure.h"
+#include "core/paths.h"
 #include "core/temp_folder.h"
 #include "imaging/engine.h"
 #include "platform/fake/fake_platform.h"
+#include <limits>
 
 namespace quillane {
 
@@ -59,6 +61,57 @@ TEST_F(LaunchingTest, ASlotThatCannotBeStartedIsToldInALine)
     EXPECT_EQ(told,
               QStringList({"\"Paint\" failed: Nothing opens this.",
                            "\"paint\" failed: Nothing opens this."}));
+}
+
+TEST_F(LaunchingTest, ASlotThatIsOffIsNotRun)
+{
+    for (const qint16 active : {0, -1, 2}) {
+        RunCustomSlot({active, "Pa&int", "/opt/paint"}, session, fakes.launcher, Tell());
+    }
+    EXPECT_TRUE(fakes.launcher.started.isEmpty());
+    EXPECT_EQ(told, QStringList(3, "\"Paint\" is switched off in the preferences."));
+}
+
+TEST_F(LaunchingTest, ASlotWithoutAPathFailsWithALine)
+{
+    RunCustomSlot({1, "Paint", ""}, session, fakes.launcher, Tell());
+    RunCustomSlot({1, "", ""}, session, fakes.launcher, Tell());
+    EXPECT_TRUE(fakes.launcher.started.isEmpty());
+    EXPECT_EQ(told,
+              QStringList({"\"Paint\" has no program yet. Choose one in the preferences.",
+                           "\"The tool\" has no program yet. Choose one in the preferences."}));
+}
+
+TEST_F(LaunchingTest, ALineHasRoomForTheNameOfASlot)
+{
+    fakes.launcher.fails = true;
+    RunCustomSlot({1, QString(5000, u'W'), "/opt/paint"}, session, fakes.launcher, Tell());
+    RunCustomSlot({1, "two\nlines", "/opt/paint"}, session, fakes.launcher, Tell());
+    ASSERT_EQ(told.size(), 2);
+    EXPECT_LT(told[0].size(), 120);
+    EXPECT_EQ(told[1], "\"two lines\" failed: Nothing opens this.");
+}
+
+TEST_F(LaunchingTest, TheWorkingFolderOfAFilePickedInTheTreeIsItsFolder)
+{
+    folder.Write("a.jpg");
+    session.gsPath = folder.Path("a.jpg");
+    RunCustomSlot({1, "Paint", "/opt/paint"}, session, fakes.launcher, Tell());
+    session.gsPath = WithoutSeparator(folder.Path()); // "Show All Files" leaves it without one
+    RunCustomSlot({1, "Paint", "/opt/paint"}, session, fakes.launcher, Tell());
+    session.gsPath = folder.Path("gone/");
+    RunCustomSlot({1, "Paint", "/opt/paint"}, session, fakes.launcher, Tell());
+    ASSERT_EQ(fakes.launcher.started.size(), 3);
+    EXPECT_EQ(WithSeparator(fakes.launcher.started[0].folder), folder.Path());
+    EXPECT_EQ(WithSeparator(fakes.launcher.started[1].folder), folder.Path());
+    EXPECT_EQ(fakes.launcher.started[2].folder, folder.Path("gone/"));
+}
+
+TEST_F(LaunchingTest, NoCurrentFileIsNoParameter)
+{
+    RunCustomSlot({1, "Paint", "/opt/paint"}, session, fakes.launcher, Tell());
+    ASSERT_EQ(fakes.launcher.started.size(), 1);
+    EXPECT_TRUE(fakes.launcher.started[0].arguments.isEmpty());
 }
 
 TEST_F(LaunchingTest, AToolThatEndsBadlyLaterIsToldInALine)
@@ -173,6 +226,71 @@ TEST_F(LaunchingTest, ADesktopThatFailsIsToldInALine)
     EXPECT_EQ(told,
               QStringList({"The wallpaper could not be set: feh ended with error 2.",
                            "The wallpaper could not be set: Nothing opens this."}));
+}
+
+TEST_F(LaunchingTest, AWallpaperThatAPersonRefusesStaysAsItWas)
+{
+    SetPhotoAsWallpaper(Picture("a.jpg", {}), fakes.Services(), Tell());
+    fakes.wallpaper.ended[0](Failure(kFailureCancelled, "no"));
+    EXPECT_EQ(told, QStringList("The wallpaper stays as it was."));
+}
+
+TEST_F(LaunchingTest, TheHourglassIsOnWhileTheWallpaperIsMade)
+{
+    class Watching : public WallpaperService {
+    public:
+        explicit Watching(const FakeLoop& watched) : mLoop(watched) { }
+        int depth = 0;
+        void Set(const QString&, ServiceEnded) override { depth = mLoop.HourglassDepth(); }
+
+    private:
+        const FakeLoop& mLoop;
+    } watching(fakes.loop);
+    const Platform all = fakes.Services();
+    SetPhotoAsWallpaper(Picture("a.jpg", {}),
+                        {all.dialogs, all.loop, all.launcher, all.places, all.watch, all.scanner,
+                         watching, all.mail, all.files},
+                        Tell());
+    EXPECT_EQ(watching.depth, 1);
+    EXPECT_EQ(fakes.loop.HourglassDepth(), 0);
+}
+
+TEST_F(LaunchingTest, EveryDepthBecomesABitmapOf24Bits)
+{
+    QImage grey(20, 10, QImage::Format_Grayscale8);
+    grey.fill(100);
+    QImage glass(20, 10, QImage::Format_ARGB32);
+    glass.fill(qRgba(10, 20, 30, 40));
+    QImage bits(20, 10, QImage::Format_Mono);
+    bits.fill(1);
+    int number = 0;
+    for (const QImage& image : {grey, glass, bits}) {
+        const QByteArray name = "depth" + QByteArray::number(++number) + ".png";
+        ASSERT_TRUE(image.save(folder.Path(name)));
+        SetPhotoAsWallpaper(folder.Path(name), fakes.Services(), Tell());
+        const ImageFacts facts = ProbeFile(fakes.places.Wallpaper());
+        EXPECT_EQ(facts.bits, 24) << number;
+        EXPECT_EQ(facts.width, 20) << number;
+    }
+    EXPECT_EQ(number, 3);
+}
+
+TEST_F(LaunchingTest, AQualityThatNoFormatKnowsIsTheNearestOne)
+{
+    // What a person can type into the preferences.
+    const QString file = Picture("a.jpg", {});
+    EngineInstance engine;
+    engine.Load(file, 0, 0);
+    const auto sizeWith = [&](qint32 quality) {
+        engine.Save(folder.Path("q.jpg"), 98, 24, quality, kSaveReplace);
+        return StatPath(folder.Path("q.jpg")).size;
+    };
+    for (const qint32 low : {1, 0, -7, std::numeric_limits<qint32>::min()}) {
+        EXPECT_EQ(sizeWith(low), sizeWith(2)) << low;
+    }
+    for (const qint32 high : {256, 1'000'000'000, std::numeric_limits<qint32>::max()}) {
+        EXPECT_EQ(sizeWith(high), sizeWith(255)) << high;
+    }
 }
 
 TEST_F(LaunchingTest, TheHourglassEndsWithTheRoad)

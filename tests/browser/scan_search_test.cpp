@@ -1,9 +1,11 @@
 // Scans with the search on.
 #include "browser/scan_fixture.h"
 #include "core/failure.h"
+#include "core/unprivileged.h"
 #include "imaging/comments/comment_set.h"
 #include "search/tagged_gif.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace quillane {
@@ -144,6 +146,93 @@ TEST_F(ScanTest, OfAFileThatFailsTheSearchNothingButItsDescriptionIsRead)
     EXPECT_EQ(CommentParseCount() - before, 2);
     EXPECT_EQ(session.gFilesSeen, 2);
     EXPECT_EQ(view.CellNames(), QStringList{QStringLiteral("b.gif")});
+}
+
+TEST_F(ScanTest, AFileThatMayNotBeReadIsTestedAsOneWithoutADescriptionInTheGrid)
+{
+    const Unprivileged unprivileged;
+    Text(QStringLiteral("a.gif"), TaggedGif("ISO=200"));
+    Text(QStringLiteral("b.gif"), TaggedGif("ISO=200"));
+    ASSERT_EQ(chmod(BytesFromPath(Path(QStringLiteral("a.gif"))).constData(), 0), 0);
+    Search(QStringLiteral("ISO"), 100, 400);
+    scan.BrowseImages(kThumbnailMode);
+    EXPECT_EQ(view.CellNames(), QStringList{QStringLiteral("b.gif")});
+    EXPECT_EQ(session.gFilesSeen, 2); // it has failed the test, and counts
+    // Where an empty description passes, the scanner's own look leaves it out uncounted.
+    Search(QStringLiteral("ISO"), -1, 400);
+    scan.BrowseImages(kThumbnailMode);
+    EXPECT_EQ(view.CellNames(), QStringList{QStringLiteral("b.gif")});
+    EXPECT_EQ(session.gFilesSeen, 1);
+    EXPECT_THROW(scan.BrowseImages(kListMode), Failure);
+}
+
+TEST_F(ScanTest, PipesAndFoldersWithAPicturesNameAreNoPartOfASearch)
+{
+    Text(QStringLiteral("a.gif"), TaggedGif("ISO=200"));
+    ASSERT_EQ(mkfifo(BytesFromPath(Path(QStringLiteral("b.jpg"))).constData(), 0600), 0);
+    ASSERT_TRUE(MakeFolder(Path(QStringLiteral("c.jpg"))));
+    scan.SetSearchOn(true);
+    for (const int mode : {kThumbnailMode, kListMode}) {
+        scan.BrowseImages(mode);
+        EXPECT_EQ(view.panels.at(3), QStringLiteral("1 of 1 Files"));
+    }
+}
+
+TEST_F(ScanTest, TheWordsOfASearchGoWithTheFirstScanWithoutIt)
+{
+    Text(QStringLiteral("a.gif"), TaggedGif("ISO=200"));
+    view.panels[2] = QStringLiteral("Search Found:");
+    scan.SetSearchOn(true);
+    scan.BrowseImages(kListMode);
+    EXPECT_EQ(view.panels.at(2), QStringLiteral("Search Found:"));
+    scan.SetSearchOn(false);
+    EXPECT_EQ(view.panels.at(2), QStringLiteral("Search Found:"));
+    scan.BrowseImages(kListMode);
+    EXPECT_EQ(view.panels.at(2), QString());
+}
+
+TEST_F(ScanTest, ASearchAskedForInTheMiddleOfAnotherTakesItsPlace)
+{
+    for (int i = 0; i < 50; ++i) {
+        Text(QStringLiteral("%1.gif").arg(i, 2, 10, QLatin1Char('0')),
+             TaggedGif("ISO=" + QByteArray::number(i)));
+    }
+    for (const int mode : {kThumbnailMode, kListMode}) {
+        Search(QStringLiteral("ISO"), 10, 19);
+        int yields = 0;
+        fakes.loop.OnYield([&] {
+            if (++yields == 30) {
+                Search(QStringLiteral("ISO"), 20, 24);
+                scan.BrowseImages(mode);
+            }
+        });
+        scan.BrowseImages(mode);
+        EXPECT_GE(yields, 30);
+        EXPECT_EQ(view.panels.at(3), QStringLiteral("5 of 50 Files"));
+        EXPECT_EQ(session.lbFilTiffs.first(), Path(QStringLiteral("20.gif")));
+        EXPECT_FALSE(scan.IsScanning());
+    }
+}
+
+TEST_F(ScanTest, ASearchThatIsAbandonedLeavesAtOnce)
+{
+    for (int i = 0; i < 50; ++i) {
+        Text(QStringLiteral("%1.gif").arg(i), TaggedGif("ISO=200"));
+    }
+    for (const int mode : {kThumbnailMode, kListMode}) {
+        Search(QStringLiteral("ISO"), 100, 400);
+        int yields = 0;
+        fakes.loop.OnYield([&] {
+            if (++yields == 10) {
+                scan.Abandon();
+            }
+        });
+        view.shown.clear();
+        scan.BrowseImages(mode);
+        EXPECT_EQ(yields, 10);
+        EXPECT_TRUE(view.shown.isEmpty());
+        EXPECT_FALSE(view.progressShown);
+    }
 }
 
 TEST_F(ScanTest, EscEndsASearchAsItEndsAScan)

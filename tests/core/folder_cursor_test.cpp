@@ -1,6 +1,7 @@
 #include "core/folder_cursor.h"
 
 #include "core/failure.h"
+#include "deep_folder.h"
 #include "temp_folder.h"
 
 #include <gtest/gtest.h>
@@ -77,6 +78,26 @@ TEST(FolderCursor, AnEntryThatIsGoneIsMissing)
     ASSERT_TRUE(cursor.Next());
     ASSERT_TRUE(RemoveFile(folder.Path("file")));
     EXPECT_EQ(cursor.Stat().type, FileType::Missing);
+}
+
+TEST(FolderCursor, ReadsAFolderWhosePathIsLongerThanTheSystemTakesAtOnce)
+{
+    const DeepFolder deep(2000, "level");
+    ASSERT_GT(deep.Path().size(), 2000 * 6);
+    FolderCursor cursor(deep.Path());
+    ASSERT_TRUE(cursor.Next());
+    EXPECT_EQ(cursor.Name(), "at the bottom");
+    EXPECT_EQ(cursor.Type(), FileType::Regular);
+    EXPECT_EQ(cursor.Stat().size, 5);
+    EXPECT_FALSE(cursor.Next());
+    EXPECT_THROW(FolderCursor{deep.Path() + QStringLiteral("none")}, Failure);
+}
+
+TEST(FolderCursor, RefusesAPathBeyondAllBounds)
+{
+    EXPECT_THROW(FolderCursor{QStringLiteral("/tmp/").repeated(10'000)}, Failure);
+    EXPECT_THROW(FolderCursor{u'/' + QString(5000, u'x')}, Failure);
+    EXPECT_THROW(FolderCursor{QStringLiteral("/tmp/") + QString(5000, u'x')}, Failure);
 }
 
 TEST(FolderCursor, RefusesWhatIsNoFolder)

@@ -1,7 +1,8 @@
+#include "core/deep_folder.h"
 #include "core/temp_folder.h"
+#include "gui/modal_dialog.h"
 #include "gui/widgets_support.h"
 #include "locator/ui/frmLocate.h"
-#include "main_window_fixture.h"
 #include "platform/fake/fake_platform.h"
 #include "platform/file_list_mime.h"
 
@@ -47,7 +48,7 @@ protected:
     void Search(const char* text) const
     {
         Type(text);
-        Click("cmdAction_0");
+        Click("cmdAction(0)");
         UntilRested();
     }
     QStringList Rows() const
@@ -79,10 +80,10 @@ TEST_F(LocatorWindowTest, HasItsWordsAndBeginsInTheBrowsersFolder)
 {
     Open();
     EXPECT_EQ(window->windowTitle(), "Find Files");
-    EXPECT_EQ(Button("cmdAction_0")->text(), "&Find Files");
-    EXPECT_EQ(Button("cmdAction_1")->text(), "Cancel");
-    EXPECT_EQ(Find<QCheckBox>("Check1_0")->text(), "Include Sub Directories");
-    EXPECT_TRUE(Find<QCheckBox>("Check1_0")->isChecked());
+    EXPECT_EQ(Button("cmdAction(0)")->text(), "&Find Files");
+    EXPECT_EQ(Button("cmdAction(1)")->text(), "Cancel");
+    EXPECT_EQ(Find<QCheckBox>("Check1(0)")->text(), "Include Sub Directories");
+    EXPECT_TRUE(Find<QCheckBox>("Check1(0)")->isChecked());
     EXPECT_EQ(Find<QGroupBox>("Frame1")->title(), "Files Found");
     EXPECT_TRUE(Find<QGroupBox>("Frame1")->isVisible());
     EXPECT_EQ(Find<QAction>("mnuFileSub")->text(), "E&xit");
@@ -102,13 +103,88 @@ TEST_F(LocatorWindowTest, HasItsWordsAndBeginsInTheBrowsersFolder)
     EXPECT_EQ(fakes.loop.HourglassDepth(), 0);
 }
 
+TEST_F(LocatorWindowTest, EachLetterOfTheKeyboardLeadsToOneControl)
+{
+    Open();
+    ExpectOwnMnemonics(*window);
+}
+
+TEST_F(LocatorWindowTest, NamesAreShownAsTheyAreWhateverMarksAreInThem)
+{
+    folder.MakeFolder("<b>bold<b>");
+    folder.Write("<b>bold<b>/x\n<i>1");
+    folder.Write("x\xFF");
+    session.gsPath = folder.Path("<b>bold<b>/");
+    Open();
+    EXPECT_EQ(Find<QLabel>("Status")->textFormat(), Qt::PlainText);
+    auto* dirs = Find<DirList>("Dir1");
+    EXPECT_EQ(dirs->currentItem()->text(0), "<b>bold<b>");
+    EXPECT_TRUE(dirs->currentItem()->toolTip(0).contains(QStringLiteral("&lt;b&gt;bold")));
+    Search("x*");
+    ASSERT_EQ(Rows().size(), 1);
+    EXPECT_TRUE(Rows().first().contains(QStringLiteral("/x\uFFFD<i>1   1   ")));
+    auto* list = Find<FoundList>("List1");
+    list->setFocus();
+    list->setCurrentIndex(list->model()->index(0, 0));
+    QTest::keyClick(list, Qt::Key_Return);
+    EXPECT_EQ(fakes.launcher.opened, QStringList{folder.Path("<b>bold<b>/x\n<i>1")});
+}
+
+TEST_F(LocatorWindowTest, AFolderOfThousandsOfFoldersIsListedWhole)
+{
+    for (int i = 0; i < 1300; ++i) {
+        folder.MakeFolder("f" + QByteArray::number(i).rightJustified(4, '0'));
+    }
+    Open();
+    auto* dirs = Find<DirList>("Dir1");
+    EXPECT_TRUE(dirs->IsReading());
+    Until([dirs] { return !dirs->IsReading(); });
+    const QTreeWidgetItem* own = dirs->currentItem();
+    ASSERT_EQ(own->childCount(), 1300);
+    for (int i = 0; i < 1300; ++i) {
+        EXPECT_EQ(own->child(i)->text(0), QStringLiteral("f%1").arg(i, 4, 10, QChar(u'0')));
+    }
+}
+
+TEST_F(LocatorWindowTest, AFolderDeepBelowOthersShowsTheNearestOfThem)
+{
+    const DeepFolder deep(1500, "d");
+    session.gsPath = deep.Path();
+    Open();
+    auto* dirs = Find<DirList>("Dir1");
+    EXPECT_EQ(dirs->Path() + u'/', deep.Path());
+    EXPECT_EQ(dirs->topLevelItem(0)->text(0), "/");
+    int ancestors = 0;
+    for (const QTreeWidgetItem* item = dirs->currentItem(); item; item = item->parent()) {
+        ++ancestors;
+    }
+    EXPECT_EQ(ancestors, 100);
+    Search("*bottom*");
+    EXPECT_EQ(Rows().size(), 1);
+    EXPECT_EQ(Status(), "1  Files Found      bottom - 1");
+    EXPECT_EQ(ends, 0);
+}
+
+TEST_F(LocatorWindowTest, APatternOfAnyLengthHasItsPlaceInTheStatus)
+{
+    folder.Write("x1");
+    Open();
+    const QString line = QStringLiteral("q;").repeated(10'000);
+    Find<QLineEdit>("Text1")->setText(line);
+    Click("cmdAction(0)");
+    UntilRested();
+    EXPECT_TRUE(Status().startsWith(QStringLiteral("0  Files Found      q - 0    q - 0")));
+    EXPECT_EQ(Find<QLabel>("Status")->minimumSizeHint().width(), 0);
+    EXPECT_FALSE(Grabbed(*window).isNull());
+}
+
 TEST_F(LocatorWindowTest, TypingEnablesTheSearch)
 {
     Open();
-    EXPECT_FALSE(Button("cmdAction_0")->isEnabled());
+    EXPECT_FALSE(Button("cmdAction(0)")->isEnabled());
     Type("a");
-    EXPECT_TRUE(Button("cmdAction_0")->isEnabled());
-    EXPECT_FALSE(Button("cmdAction_1")->isEnabled());
+    EXPECT_TRUE(Button("cmdAction(0)")->isEnabled());
+    EXPECT_FALSE(Button("cmdAction(1)")->isEnabled());
 }
 
 TEST_F(LocatorWindowTest, ListsFilesWithSizeAndDateAndCounts)
@@ -133,8 +209,8 @@ TEST_F(LocatorWindowTest, SubfoldersAreLeftOutWhenNotTicked)
     folder.Write("x1");
     folder.Write("sub/x2");
     Open();
-    QTest::mouseClick(Find<QCheckBox>("Check1_0"), Qt::LeftButton, {}, QPoint(8, 8));
-    ASSERT_FALSE(Find<QCheckBox>("Check1_0")->isChecked());
+    QTest::mouseClick(Find<QCheckBox>("Check1(0)"), Qt::LeftButton, {}, QPoint(8, 8));
+    ASSERT_FALSE(Find<QCheckBox>("Check1(0)")->isChecked());
     Search("x*");
     EXPECT_EQ(Rows(), QStringList{Row("x1")});
 }
@@ -217,15 +293,15 @@ TEST_F(LocatorWindowTest, CancelLeavesTheFoldersPathAndRestoresThePointer)
     }
     Open();
     Type("x*");
-    Click("cmdAction_0");
-    EXPECT_TRUE(Button("cmdAction_1")->isEnabled());
-    Click("cmdAction_1");
+    Click("cmdAction(0)");
+    EXPECT_TRUE(Button("cmdAction(1)")->isEnabled());
+    Click("cmdAction(1)");
     EXPECT_FALSE(window->IsSearching());
     EXPECT_EQ(fakes.loop.HourglassDepth(), 0);
     EXPECT_FALSE(Status().contains(QStringLiteral("Files Found")));
     EXPECT_TRUE(Status().isEmpty() || Status().startsWith(folder.Path()));
-    EXPECT_FALSE(Button("cmdAction_1")->isEnabled());
-    EXPECT_TRUE(Button("cmdAction_0")->isEnabled());
+    EXPECT_FALSE(Button("cmdAction(1)")->isEnabled());
+    EXPECT_TRUE(Button("cmdAction(0)")->isEnabled());
 }
 
 TEST_F(LocatorWindowTest, EscCancels)
@@ -300,7 +376,7 @@ TEST_F(LocatorWindowTest, ClosingByTheFrameEndsTheWindowAlone)
     folder.Write("x1");
     Open();
     Type("x*");
-    Click("cmdAction_0");
+    Click("cmdAction(0)");
     EXPECT_TRUE(window->close());
     window.reset();
     EXPECT_EQ(ends, 0);
@@ -363,48 +439,11 @@ TEST_F(LocatorWindowTest, TabReachesEveryControlAndEachHasASpokenName)
         reached.insert(QApplication::focusWidget());
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
     }
-    for (const char* name : {"Text1", "Check1_0", "cmdAction_0", "Drive1", "Dir1", "List1"}) {
+    for (const char* name : {"Text1", "Check1(0)", "cmdAction(0)", "Drive1", "Dir1", "List1"}) {
         const auto* control = Find<QWidget>(name);
         EXPECT_TRUE(reached.contains(control)) << name;
         EXPECT_FALSE(control->accessibleName().isEmpty()) << name;
     }
-}
-
-class LocatorInMainWindowTest : public MainWindowTest { };
-
-TEST_F(LocatorInMainWindowTest, FindFilesOpensTheWindowOwnedAndAnewAfterItsEnd)
-{
-    Picture(QStringLiteral("p.bmp"));
-    Start();
-    Click("mnuFileFiles");
-    const QPointer<QObject> first(windows.Loaded(QStringLiteral("frmLocate")));
-    auto* window = qobject_cast<frmLocate*>(first.data());
-    ASSERT_NE(window, nullptr);
-    EXPECT_TRUE(window->isVisible());
-    EXPECT_EQ(window->parentWidget(), main.get());
-    EXPECT_EQ(window->findChild<DirList*>(QStringLiteral("Dir1"))->Path() + u'/', folder);
-    Click("mnuFileFiles");
-    EXPECT_EQ(windows.Loaded(QStringLiteral("frmLocate")), first.data());
-    window->close();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return first.isNull(); }, kWait));
-    Click("mnuFileFiles");
-    EXPECT_NE(windows.Loaded(QStringLiteral("frmLocate")), nullptr);
-}
-
-TEST_F(LocatorInMainWindowTest, ItsExitEndsTheProcessAndSavesNothing)
-{
-    Picture(QStringLiteral("p.bmp"));
-    Start();
-    Click("mnuFileFiles");
-    const QObject* window = windows.Loaded(QStringLiteral("frmLocate"));
-    ASSERT_NE(window, nullptr);
-    auto* exit = window->findChild<QAction*>(QStringLiteral("mnuFileSub"));
-    ASSERT_NE(exit, nullptr);
-    const QString settings = root.filePath(QStringLiteral("s.ini"));
-    const FileStat before = StatPath(settings);
-    EXPECT_EXIT(exit->trigger(), testing::ExitedWithCode(0), "^$");
-    EXPECT_EQ(StatPath(settings).inode, before.inode);
-    EXPECT_EQ(StatPath(settings).size, before.size);
 }
 
 } // namespace

@@ -1,10 +1,14 @@
 #pragma once
 // Acts in a dialog while it runs, as a person would.
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
+#include <QLabel>
+#include <QMenuBar>
 #include <QPointer>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
 #include <functional>
 #include <gtest/gtest.h>
 
@@ -70,6 +74,33 @@ inline void ExpectNamedByTab(QDialog& dialog, const QStringList& expected)
         EXPECT_TRUE(reached.contains(name))
             << name.toStdString() << " of " << reached.join(u' ').toStdString();
     }
+}
+
+/// Every letter that Alt reaches in a window, menus of its bar included, leads to one thing.
+inline void ExpectOwnMnemonics(QWidget& window)
+{
+    QStringList letters;
+    const auto note = [&](const QString& text) {
+        const qsizetype mark = text.indexOf(u'&');
+        if (mark >= 0 && mark + 1 < text.size() && text.at(mark + 1) != u'&') {
+            letters.append(QString(text.at(mark + 1).toUpper()));
+        }
+    };
+    for (const QAbstractButton* button : window.findChildren<QAbstractButton*>()) {
+        note(button->text());
+    }
+    for (const QLabel* label : window.findChildren<QLabel*>()) {
+        note(label->buddy() ? label->text() : QString());
+    }
+    for (const QMenuBar* bar : window.findChildren<QMenuBar*>()) {
+        for (const QAction* menu : bar->actions()) {
+            note(menu->text());
+        }
+    }
+    EXPECT_GT(letters.size(), 0);
+    letters.sort();
+    EXPECT_EQ(std::adjacent_find(letters.begin(), letters.end()), letters.end())
+        << letters.join(u' ').toStdString();
 }
 
 } // namespace quillane

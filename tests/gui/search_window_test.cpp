@@ -1,8 +1,10 @@
 // The search window, and the road from the main window through it to the views.
+#include "browser/ui/status_panels.h"
 #include "core/failure.h"
 #include "core/paths.h"
 #include "gui/main_window_fixture.h"
 #include "gui/modal_dialog.h"
+#include "gui/widgets_support.h"
 #include "search/tagged_gif.h"
 #include "search/ui/frmBrowserSearch.h"
 
@@ -135,6 +137,72 @@ TEST_F(SearchWindowTest, EachControlIsReachedByTabAndHasWords)
     });
 }
 
+TEST_F(SearchWindowTest, EachLetterOfTheKeyboardLeadsToOneControl)
+{
+    Start();
+    InSearch([&](QDialog& dialog) {
+        ExpectOwnMnemonics(dialog);
+        for (int i = 0; i < 4; ++i) {
+            const QByteArray index = "(" + QByteArray::number(i) + ")";
+            EXPECT_EQ(In<QCheckBox>(dialog, ("chkNumeric" + index).constData())->shortcut(),
+                      QKeySequence(Qt::ALT | Qt::Key(Qt::Key_1 + i)));
+            EXPECT_EQ(In<QCheckBox>(dialog, ("chkCharacter" + index).constData())->shortcut(),
+                      QKeySequence(Qt::ALT | Qt::Key(Qt::Key_5 + i)));
+        }
+    });
+}
+
+TEST_F(SearchWindowTest, ACheckAndAnOptionCountAtOnceAndTheTextsAtTheEnd)
+{
+    Start();
+    SearchCriteria criteria;
+    frmBrowserSearch window(session, store, criteria, Services(), *main);
+    window.setAttribute(Qt::WA_DeleteOnClose, false);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    for (size_t i = 0; i < 4; ++i) {
+        const QByteArray index = "(" + QByteArray::number(int(i)) + ")";
+        Check(window, ("chkNumeric" + index).constData());
+        EXPECT_EQ(criteria.searchNumeric[i].checked, kTrue);
+        Check(window, ("chkCharacter" + index).constData());
+        EXPECT_EQ(criteria.searchCharacter[i].checked, kTrue);
+        Check(window, ("chkNumeric" + index).constData());
+        EXPECT_EQ(criteria.searchNumeric[i].checked, kFalse);
+    }
+    Choose(window, "mnuMatchCase");
+    EXPECT_TRUE(session.matchCase);
+    Choose(window, "mnuMatchWord");
+    EXPECT_TRUE(session.matchWord);
+    Choose(window, "mnuMatchCase");
+    EXPECT_FALSE(session.matchCase);
+    Retype(Box(window, "txtCharacterKeyword(3)"), "City");
+    Retype(Box(window, "txtCharacterInfo(3)"), " Rome ");
+    EXPECT_TRUE(criteria.searchCharacter[3].keyword.isEmpty());
+    window.close();
+    EXPECT_EQ(criteria.searchCharacter[3].keyword, "City");
+    EXPECT_EQ(criteria.searchCharacter[3].text, " Rome ");
+    EXPECT_EQ(Stored("searchCharacter(i).String3"), " Rome ");
+    EXPECT_EQ(Stored("matchWord"), "True");
+}
+
+TEST_F(SearchWindowTest, ACheckedRowWithoutTextsTakesPartWithAnEmptyKeyword)
+{
+    Cameras();
+    Start();
+    InSearch([&](QDialog& dialog) {
+        Check(dialog, "chkNumeric(0)");
+        Press(dialog, "cmdOkay");
+    });
+    EXPECT_EQ(main->Panel(3), "0 of 5 Files");
+    // Where a whole value is asked for, the missing one equals the empty text.
+    InSearch([&](QDialog& dialog) {
+        Check(dialog, "chkCharacter(0)");
+        Choose(dialog, "mnuMatchWord");
+        Press(dialog, "cmdOkay");
+    });
+    EXPECT_EQ(main->Panel(3), "4 of 5 Files");
+}
+
 TEST_F(SearchWindowTest, ASearchShowsTheFilesInTheRangeInBothModes)
 {
     Cameras();
@@ -150,6 +218,11 @@ TEST_F(SearchWindowTest, ASearchShowsTheFilesInTheRangeInBothModes)
     EXPECT_EQ(main->Panel(1), "Search = ON");
     EXPECT_EQ(main->Panel(2), "Search Found:");
     EXPECT_EQ(main->Panel(3), "2 of 5 Files");
+    for (const char* name : {"StatusBar1_1", "StatusBar1_2", "StatusBar1_3"}) {
+        const auto* panel = Find<StatusPanel>(name);
+        EXPECT_LT(panel->fontMetrics().horizontalAdvance(panel->Text()), panel->width() - 12)
+            << name;
+    }
     Click("mnuMainViewTileBoxTileFilename3");
     EXPECT_EQ(Shown(), Names({"a.gif", "b.gif"}));
     EXPECT_EQ(main->Panel(3), "2 of 5 Files");
@@ -290,6 +363,49 @@ TEST_F(SearchWindowTest, CancelTurnsARunningSearchOffAndLeavesTheView)
     EXPECT_EQ(Grid()->Count(), 2);
     Click("mnuRefresh");
     EXPECT_EQ(session.lbFilTiffs.size(), 5);
+    EXPECT_EQ(main->Panel(1), "");
+    EXPECT_EQ(main->Panel(2), "");
+}
+
+TEST_F(SearchWindowTest, TheSwitchMayBeTurnedInTheMiddleOfItsScan)
+{
+    for (int i = 0; i < 400; ++i) {
+        Tagged(QStringLiteral("%1.gif").arg(i), "ISO=100");
+    }
+    Picture(QStringLiteral("e.bmp"));
+    Start();
+    for (const char* view : {"mnuMainViewTileBoxTileImage", "mnuMainViewTileBoxTileFilename3"}) {
+        Click(view);
+        QMetaObject::invokeMethod(
+            main.get(), [this] { Click("mnuSearchOn"); }, Qt::QueuedConnection);
+        Click("mnuSearchOn");
+        Until([this] { return !Entry("mnuSearchOn")->isChecked() && Rested(); });
+        EXPECT_EQ(session.lbFilTiffs.size(), 401);
+        EXPECT_FALSE(session.gSearchActive);
+        EXPECT_EQ(main->Panel(1), "");
+        EXPECT_EQ(main->Panel(2), "");
+    }
+}
+
+TEST_F(SearchWindowTest, TheProgramMayEndInTheMiddleOfASearchAndInItsWindow)
+{
+    for (int i = 0; i < 400; ++i) {
+        Tagged(QStringLiteral("%1.gif").arg(i), "ISO=100");
+    }
+    Start();
+    QMetaObject::invokeMethod(
+        main.get(), [this] { main->close(); }, Qt::QueuedConnection);
+    Click("mnuSearchOn");
+    Until([this] { return !main->isVisible(); });
+    windows.DestroyAll();
+    main.reset();
+
+    StartBare();
+    InSearch([&](QDialog& dialog) {
+        TypeRange(dialog, "1", "2");
+        main->close();
+    });
+    EXPECT_FALSE(session.gSearchActive);
 }
 
 TEST_F(SearchWindowTest, ClosingByTheFrameKeepsARunningSearchAndScansAgain)

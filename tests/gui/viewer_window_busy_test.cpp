@@ -3,12 +3,30 @@
 
 #include <QMimeData>
 #include <QPlainTextEdit>
+#include <functional>
 
 namespace quillane {
 
 namespace {
 
 using ViewerBusyTest = ViewerWindowTest;
+
+/// Asks for something when the mouse button goes up: it is handled as soon as events are.
+class AtRelease : public QObject {
+public:
+    explicit AtRelease(std::function<void()> then) : mThen(std::move(then)) { }
+    bool eventFilter(QObject*, QEvent* event) override
+    {
+        if (event->type() == QEvent::MouseButtonRelease) {
+            QMetaObject::invokeMethod(
+                this, [this] { mThen(); }, Qt::QueuedConnection);
+        }
+        return false;
+    }
+
+private:
+    std::function<void()> mThen;
+};
 
 } // namespace
 
@@ -107,6 +125,51 @@ TEST_F(ViewerBusyTest, AWindowDestroyedInTheMiddleOfACommandHurtsNothing)
         &test, [this] { window.reset(); }, Qt::QueuedConnection);
     Click("mnuInvert");
     EXPECT_EQ(window, nullptr);
+}
+
+TEST_F(ViewerBusyTest, EventsAreHandledWhileAPictureIsCropped)
+{
+    Open(Small(QStringLiteral("r.bmp"), {200, 150}));
+    Region(20, 10, 100, 80);
+    const QRect bounds = window->Picture().RegionBounds();
+    int asked = 0;
+    QMetaObject::invokeMethod(
+        window.get(),
+        [&] {
+            ++asked;
+            EXPECT_TRUE(window->IsBusy());
+            Press(19); // of no use now
+        },
+        Qt::QueuedConnection);
+    Press(19);
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(Pixels().size(), bounds.size());
+}
+
+TEST_F(ViewerBusyTest, AWindowDestroyedInTheMiddleOfACropHurtsNothing)
+{
+    Open(Small(QStringLiteral("r.bmp"), {200, 150}));
+    Region(20, 10, 100, 80);
+    QObject test;
+    QMetaObject::invokeMethod(
+        &test, [this] { window.reset(); }, Qt::QueuedConnection);
+    Press(19);
+    EXPECT_EQ(window, nullptr);
+}
+
+TEST_F(ViewerBusyTest, EventsAreHandledWhileAMovedPartIsLaidDown)
+{
+    Open(Small(QStringLiteral("r.bmp"), {200, 150}));
+    const QImage before = Pixels();
+    Region(20, 10, 60, 40);
+    int asked = 0;
+    const auto ask = [&] { asked += window->IsBusy() ? 1 : 0; };
+    AtRelease release(ask);
+    View()->viewport()->installEventFilter(&release);
+    DragInPicture({40, 30}, {100, 90});
+    EXPECT_EQ(asked, 1);
+    EXPECT_NE(Pixels(), before);
+    EXPECT_FALSE(window->Picture().FloaterVisible());
 }
 
 } // namespace quillane

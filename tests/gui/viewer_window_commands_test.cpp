@@ -46,21 +46,6 @@ protected:
         ASSERT_NE(ok, nullptr);
         QTest::mouseClick(ok, Qt::LeftButton);
     }
-    void Region(int x, int y, int width, int height)
-    {
-        // As a person marks it: the button, then a drag over the picture at 100 %.
-        Click("mnuZoom100");
-        Press(16);
-        const auto at = [this](int px, int py) {
-            return View()->BitmapToClient(QPointF(px, py)).toPoint();
-        };
-        QWidget* where = View()->viewport();
-        QTest::mousePress(where, Qt::LeftButton, {}, at(x, y));
-        QTest::mouseMove(where, at(x + width / 2, y + height / 2));
-        QTest::mouseMove(where, at(x + width, y + height));
-        QTest::mouseRelease(where, Qt::LeftButton, {}, at(x + width, y + height));
-        ASSERT_TRUE(window->Picture().HasRegion());
-    }
 };
 
 } // namespace

@@ -81,6 +81,26 @@ protected:
         window = std::make_unique<frmToolImageDisplay>(session, store, fakes.Services(loop), &host);
         window->setAttribute(Qt::WA_DeleteOnClose, false);
     }
+    /// Drags over the picture, from one place in it to another.
+    void DragInPicture(QPoint from, QPoint to)
+    {
+        const auto at = [this](QPoint place) {
+            return View()->BitmapToClient(QPointF(place)).toPoint();
+        };
+        QWidget* where = View()->viewport();
+        QTest::mousePress(where, Qt::LeftButton, {}, at(from));
+        QTest::mouseMove(where, at((from + to) / 2));
+        QTest::mouseMove(where, at(to));
+        QTest::mouseRelease(where, Qt::LeftButton, {}, at(to));
+    }
+    /// As a person marks it: the button, then a drag over the picture at 100 %.
+    void Region(int x, int y, int width, int height)
+    {
+        Click("mnuZoom100");
+        Press(16);
+        DragInPicture({x, y}, {x + width, y + height});
+        ASSERT_TRUE(window->Picture().HasRegion());
+    }
     void Open(const QString& file)
     {
         Make(file);

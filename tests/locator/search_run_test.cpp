@@ -1,9 +1,11 @@
 #include "locator/search_run.h"
 
 #include "core/temp_folder.h"
+#include "core/unprivileged.h"
 #include "platform/wait_for_events.h"
 
 #include <QElapsedTimer>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace quillane {
@@ -22,11 +24,14 @@ protected:
                          [this](const QString& path) { shown.append(path); });
         QObject::connect(search.get(), &LocatorSearch::found, &context,
                          [this](const std::vector<LocatorSearch::Batch>& batches) {
+                             qsizetype files = 0;
                              for (const auto& batch : batches) {
                                  for (const FoundFile& file : batch.files) {
                                      rows.append(batch.folder + file.name);
+                                     ++files;
                                  }
                              }
+                             mostAtOnce = std::max(mostAtOnce, files);
                          });
         QObject::connect(search.get(), &LocatorSearch::ended, &context,
                          [this](const FindResult& result) { ends.push_back(result); });
@@ -47,6 +52,7 @@ protected:
     QObject context;
     std::unique_ptr<LocatorSearch> search;
     QStringList shown, rows, failures;
+    qsizetype mostAtOnce = 0; ///< files told in one go
     std::vector<FindResult> ends;
 };
 
@@ -92,6 +98,50 @@ TEST_F(LocatorSearchTest, AStopEndsItAtOnceAndOnce)
     }
     EXPECT_EQ(ends.size(), 1U);
     EXPECT_EQ(rows, before);
+}
+
+TEST_F(LocatorSearchTest, ManyFilesOfOneFolderAreToldInParts)
+{
+    for (int i = 0; i < 4500; ++i) {
+        folder.Write("x" + QByteArray::number(i).rightJustified(5, '0'), {});
+    }
+    search->Start(folder.Path(), QStringLiteral("x*"), true);
+    UntilRested();
+    ASSERT_EQ(rows.size(), 4500);
+    EXPECT_EQ(rows.first(), folder.Path("x00000"));
+    EXPECT_EQ(rows.last(), folder.Path("x04499"));
+    EXPECT_TRUE(std::is_sorted(rows.begin(), rows.end()));
+    ASSERT_EQ(ends.size(), 1U);
+    EXPECT_EQ(ends[0].rows, 4500);
+    EXPECT_LE(mostAtOnce, 2000);
+
+    // Stopped by its listener at the first part: that part and at most one more are told.
+    rows.clear();
+    QObject::connect(search.get(), &LocatorSearch::found, &context, [this] { search->Stop(); });
+    search->Start(folder.Path(), QStringLiteral("x*"), true);
+    UntilRested();
+    EXPECT_LE(rows.size(), 2 * mostAtOnce);
+    ASSERT_EQ(ends.size(), 2U);
+    EXPECT_TRUE(ends[1].stopped);
+}
+
+TEST_F(LocatorSearchTest, AFailureIsToldAfterTheRowsBeforeIt)
+{
+    for (int i = 0; i < 2500; ++i) {
+        folder.Write("x" + QByteArray::number(i), {});
+    }
+    folder.MakeFolder("locked");
+    folder.Chmod("locked", 0);
+    QObject::connect(search.get(), &LocatorSearch::failed, &context,
+                     [this] { EXPECT_EQ(rows.size(), 2500); });
+    {
+        const Unprivileged unprivileged;
+        search->Start(folder.Path(), QStringLiteral("x*"), true);
+        UntilRested();
+    }
+    folder.Chmod("locked", 0755);
+    EXPECT_EQ(failures.size(), 1);
+    EXPECT_TRUE(ends.empty());
 }
 
 TEST_F(LocatorSearchTest, AFailureIsToldInWords)

@@ -1,5 +1,6 @@
 #include "locator/walk.h"
 
+#include "core/deep_folder.h"
 #include "core/failure.h"
 #include "core/temp_folder.h"
 #include "core/unprivileged.h"
@@ -41,7 +42,7 @@ public:
 
 class FindFilesTest : public testing::Test {
 protected:
-    FindResult Find(const char* searchString)
+    FindResult Find(const QByteArray& searchString)
     {
         return FindFiles(folder.Path(), Dirs, QString::fromUtf8(searchString), sink);
     }
@@ -274,6 +275,23 @@ TEST_F(FindFilesTest, AFileMayBeARowByItsExactNameAndByAPattern)
     EXPECT_EQ(sink.exact.last(), folder.Path("abc"));
 }
 
+TEST_F(FindFilesTest, AnExactNameStandsBeforeTheFileWhoseTurnFirstCameToIt)
+{
+    for (const char* name : {"a.jpg", "b.jpg", "c.txt", "notes.txt", "z.jpg"}) {
+        folder.Write(name);
+    }
+    Find("*.jpg;notes.txt");
+    // The turns of the pictures end at the first pattern; that of "c.txt" comes to the second.
+    EXPECT_EQ(sink.rows, Paths({"a.jpg", "b.jpg", "notes.txt", "z.jpg"}));
+    EXPECT_EQ(sink.exact, Paths({"notes.txt"}));
+    sink.rows.clear();
+    Find("notes.txt;a.jpg;*.jpg");
+    EXPECT_EQ(sink.rows, Paths({"notes.txt"})); // no name is longer than the first pattern
+    sink.rows.clear();
+    Find("z.jpg;c.txt;*s.txt*");
+    EXPECT_EQ(sink.rows, Paths({"z.jpg", "c.txt", "notes.txt"}));
+}
+
 TEST_F(FindFilesTest, AStopTakesEffectAtTheNextFolder)
 {
     folder.MakeFolder("a");
@@ -320,6 +338,69 @@ TEST_F(FindFilesTest, AFolderThatIsNotThereEndsTheSearchWithAFailure)
     folder.Write("file");
     EXPECT_THROW(FindFiles(folder.Path("file"), Dirs, QStringLiteral("*"), sink), Failure);
     EXPECT_THROW(FindFiles(QString(QChar(0)), Dirs, QStringLiteral("*"), sink), Failure);
+}
+
+TEST_F(FindFilesTest, AFolderThatIsGoneWhenItsTurnComesEndsTheSearchWithAFailure)
+{
+    folder.MakeFolder("a");
+    folder.MakeFolder("b");
+    folder.Write("a/x1");
+    sink.onFolder = [&](const QString& path) {
+        if (path.endsWith(u"/a/")) {
+            ASSERT_EQ(rmdir(folder.Bytes("b").constData()), 0);
+        }
+    };
+    EXPECT_THROW(Find("x*"), Failure);
+    EXPECT_EQ(sink.rows, Paths({"a/x1"}));
+}
+
+TEST_F(FindFilesTest, FilesThatVanishInTheMiddleAreNoRows)
+{
+    folder.Write("x1");
+    folder.Write("x2");
+    sink.onFolder = [&](const QString&) { ASSERT_TRUE(RemoveFile(folder.Path("x1"))); };
+    const FindResult result = Find("x*");
+    EXPECT_EQ(sink.rows, Paths({"x2"}));
+    EXPECT_EQ(result.HitCount, std::vector<qint32>{1});
+}
+
+TEST(FindFilesDeep, FiveThousandFoldersOneInTheOtherAreWalkedToTheLast)
+{
+    const DeepFolder deep(5000, "d");
+    KeepingSink sink;
+    QStringList Dirs;
+    const FindResult result = FindFiles(deep.Top(), Dirs, QStringLiteral("*bottom*"), sink);
+    EXPECT_EQ(sink.rows, QStringList{deep.Path() + QStringLiteral("at the bottom")});
+    EXPECT_EQ(Dirs.size(), 5001);
+    EXPECT_EQ(result.rows, 1);
+}
+
+TEST_F(FindFilesTest, PatternsOfAnyLengthAndNumberAreAnsweredAtOnce)
+{
+    for (int i = 0; i < 200; ++i) {
+        folder.Write("a" + QByteArray(100, 'a') + QByteArray::number(i));
+    }
+    // What a matcher with stars in the middle would never come to an end of.
+    EXPECT_EQ(Find(QByteArray("a*").repeated(5000) + "b").rows, 0);
+    EXPECT_EQ(Find("*" + QByteArray("a*").repeated(20) + "b*").rows, 0);
+    EXPECT_EQ(Find(QByteArray(30'000, '*')).rows, 200); // all are cut off
+    EXPECT_EQ(Find(QByteArray(30'000, ';')).rows, 0);
+    EXPECT_EQ(Find("*" + QByteArray(30'000, 'a')).rows, 0);
+    const FindResult result = Find(QByteArray("*q;").repeated(8000) + "*");
+    EXPECT_EQ(result.HitCount.size(), 8001U);
+    EXPECT_EQ(result.HitCount.back(), 200);
+}
+
+TEST_F(FindFilesTest, NamesThatDifferInCaseAloneAreFilesOfTheirOwn)
+{
+    folder.Write("x.JPG");
+    folder.Write("X.jpg");
+    folder.MakeFolder("Sub");
+    folder.MakeFolder("sub");
+    folder.Write("Sub/x.jpg");
+    folder.Write("sub/x.jpg");
+    EXPECT_EQ(Find("*.jpg").rows, 4);
+    EXPECT_EQ(sink.rows, Paths({"X.jpg", "x.JPG", "Sub/x.jpg", "sub/x.jpg"}));
 }
 
 TEST(AddBackslash, PutsASeparatorBehindAPathThatHasNone)

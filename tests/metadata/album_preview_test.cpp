@@ -3,6 +3,7 @@
 #include "metadata/album_preview.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace quillane {
 
@@ -50,6 +51,40 @@ TEST(ReadAlbumPreview, CommentAloneHasNoFiles)
     EXPECT_EQ(AlbumOf("#").count, 0);
 }
 
+TEST(ReadAlbumPreview, BareCrEndsLinesWhereThereIsNoLf)
+{
+    const AlbumPreview album = AlbumOf("#\ra\r#\r/p/a.jpg\r/p/b.jpg\r");
+    EXPECT_EQ(album.comment, "a\r\n");
+    EXPECT_EQ(album.count, 2);
+}
+
+TEST(ReadAlbumPreview, AllFilesAreCountedAndTheFirstShown)
+{
+    QByteArray content;
+    for (int i = 0; i < kMostShownAlbumLines + 7; ++i) {
+        content += "/p/" + QByteArray::number(i) + "\n";
+    }
+    const AlbumPreview album = AlbumOf(content);
+    EXPECT_EQ(album.count, kMostShownAlbumLines + 7);
+    EXPECT_EQ(album.files.count(u'\n'), kMostShownAlbumLines + 1);
+    EXPECT_TRUE(album.files.endsWith(QStringLiteral("/p/9999\r\n... and 7 more\r\n")));
+}
+
+TEST(ReadAlbumPreview, EndlessLinesAndCommentsAreCut)
+{
+    const QByteArray endless(3 << 20, 'x');
+    const AlbumPreview files = AlbumOf("/a\n" + endless + "\n/b\n");
+    EXPECT_EQ(files.count, 3);
+    EXPECT_LT(files.files.size(), 10'000);
+    const AlbumPreview comment = AlbumOf("#\n" + endless + "\n#\n/b\n");
+    EXPECT_LE(comment.comment.size(), kMaxAlbumComment + 5000);
+    EXPECT_EQ(comment.count, 1);
+    const AlbumPreview lines =
+        AlbumOf("#\n" + QByteArray(endless).replace("xx", "x\n") + "#\n/b\n");
+    EXPECT_LE(lines.comment.size(), kMaxAlbumComment + 5000);
+    EXPECT_EQ(lines.count, 1);
+}
+
 TEST(ReadAlbumPreview, PathsKeepTheirBytes)
 {
     const AlbumPreview album = AlbumOf("/p/caf\xc3\xa9.jpg\r\n/p/caf\xe9.jpg\r\n");
@@ -61,7 +96,8 @@ TEST(ReadAlbumPreview, EmptyMissingAndEndlessFilesAreRefused)
     const TempFolder folder;
     folder.Write("empty.ifl", "");
     folder.Write("mark.ifl", "\xef\xbb\xbf");
-    folder.Write("large.ifl", QByteArray((16 << 20) + 1, 'x'));
+    folder.Write("large.ifl", "x");
+    ASSERT_EQ(truncate(folder.Bytes("large.ifl").constData(), kMaxAlbumBytes + 1), 0);
     EXPECT_EQ(FailureOf([&] { ReadAlbumPreview(folder.Path("empty.ifl")); }), kFailureIo);
     EXPECT_EQ(FailureOf([&] { ReadAlbumPreview(folder.Path("mark.ifl")); }), kFailureIo);
     EXPECT_EQ(FailureOf([&] { ReadAlbumPreview(folder.Path("large.ifl")); }), kFailureLimit);

@@ -2,6 +2,7 @@
 
 #include "core/expect_failure.h"
 #include "platform/program_log.h"
+#include <sys/stat.h>
 
 namespace quillane {
 
@@ -129,6 +130,78 @@ TEST_F(LauncherWithoutBus, RunTellsHowAProgramFailed)
                           + QStringLiteral(" ended with error 4: cannot open it")));
     EXPECT_EQ(programs.WaitForCall("tool").arguments, QList<QByteArray>({"a b"}));
     EXPECT_EQ(programs.CallCount("good"), 1);
+}
+
+TEST_F(LauncherWithoutBus, RunTellsThatAProgramWasKilled)
+{
+    programs.Offer("tool", "kill -KILL $$");
+    QStringList told;
+    launcher.Run("tool", {}, {}, [&](const QString& words) { told.append(words); });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return launcher.children().isEmpty(); }, kTestPatience));
+    EXPECT_EQ(told,
+              QStringList(programs.Folder().Path("tool")
+                          + QStringLiteral(" was ended by the system: Killed.")));
+}
+
+TEST_F(LauncherWithoutBus, RunRefusesWhatMayNotBeRun)
+{
+    pictures.Write("plain.sh", "#!/bin/sh\n");
+    pictures.Chmod("plain.sh", 0644);
+    try {
+        launcher.Run(pictures.Path("plain.sh"), {}, {}, [](const QString&) { ADD_FAILURE(); });
+        ADD_FAILURE();
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.Number(), kFailureDenied);
+        EXPECT_EQ(failure.Description(),
+                  pictures.Path("plain.sh") + QStringLiteral(" may not be run as a program."));
+    }
+}
+
+TEST_F(LauncherWithoutBus, HundredsOfLaunchesLeaveNothingBehind)
+{
+    pictures.Write("quick", "#!/bin/sh\nexit 1\n");
+    pictures.Chmod("quick", 0755);
+    int ended = 0;
+    const auto launch = [&] {
+        launcher.Run(pictures.Path("quick"), {}, {}, [&](const QString&) { ++ended; });
+    };
+    launch();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return launcher.children().isEmpty(); }, kTestPatience));
+    const int open = OpenDescriptors();
+    const QByteArray children = ChildProcesses();
+    for (int i = 0; i < 300; ++i) {
+        launch();
+    }
+    ASSERT_TRUE(QTest::qWaitFor([&] { return launcher.children().isEmpty(); }, kTestPatience));
+    EXPECT_EQ(ended, 301);
+    EXPECT_EQ(OpenDescriptors(), open);
+    EXPECT_EQ(ChildProcesses(), children);
+}
+
+TEST_F(LauncherWithoutBus, AProgramThatOutlivesTheLauncherLeavesNoZombie)
+{
+    pictures.Write("patient", "#!/bin/sh\nread -r line < gate\n");
+    pictures.Chmod("patient", 0755);
+    ASSERT_EQ(mkfifo(pictures.Bytes("gate").constData(), 0600), 0);
+    const QByteArray children = ChildProcesses();
+    {
+        DesktopLauncher brief; // its end waits for nobody
+        brief.Run(pictures.Path("patient"), {}, pictures.Path(),
+                  [](const QString&) { ADD_FAILURE(); });
+    }
+    EXPECT_NE(ChildProcesses(), children);
+    pictures.Write("gate", "through\n");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return ChildProcesses() == children; }, kTestPatience));
+}
+
+TEST_F(LauncherWithoutBus, WhatAToolSaysAloudIsNotHeldBack)
+{
+    // Two megabytes more than are kept of a complaint: the tool must not see an error.
+    programs.Offer("tool", "/usr/bin/head -c 3000000 /dev/zero || exit 9; exit 0");
+    bool told = false;
+    launcher.Run("tool", {}, {}, [&](const QString&) { told = true; });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return launcher.children().isEmpty(); }, kTestPatience));
+    EXPECT_FALSE(told);
 }
 
 TEST(FileAddress, EscapesEveryByteThatIsNotPlain)

@@ -113,6 +113,66 @@ TEST_F(MailTest, APortalThatFailsIsFollowedByXdgEmail)
     EXPECT_EQ(programs.CallCount("xdg-email"), 1);
 }
 
+TEST_F(MailTest, APortalThatNeverRepliesIsFollowedByXdgEmail)
+{
+    StartPortal(0);
+    portal->mute = true;
+    programs.Offer("xdg-email");
+    EXPECT_FALSE(Compose(Both()).has_value());
+    EXPECT_EQ(portal->calls.size(), 1);
+    EXPECT_EQ(programs.CallCount("xdg-email"), 1);
+}
+
+TEST_F(MailTest, OddNamesGoOverAsTheyAreOnBothRoads)
+{
+    const QList<QByteArray> names{"two  blanks .jpg", "\xc3\xa4\xc3\xb6\xc3\xbc.jpg",
+                                  "line\nbreak.jpg",  "-attach.jpg",
+                                  "\xff\xfe.jpg",     "a,b;$(id)'\".jpg"};
+    QStringList paths;
+    for (const QByteArray& name : names) {
+        pictures.Write(name, "in " + name);
+        paths.append(pictures.Path(name));
+    }
+    StartPortal(0);
+    programs.Offer("xdg-email");
+    EXPECT_FALSE(Compose(paths).has_value());
+    ASSERT_EQ(portal->calls.size(), 1);
+    QList<QByteArray> contents, words;
+    for (const QByteArray& name : names) {
+        contents.append("in " + name);
+        words += {"--attach", pictures.Bytes(name)};
+    }
+    EXPECT_EQ(portal->calls[0].attachments, contents);
+    portal.reset();
+    EXPECT_FALSE(Compose(paths).has_value());
+    EXPECT_EQ(programs.WaitForCall("xdg-email").arguments, words);
+}
+
+TEST_F(MailTest, NoFileStaysOpen)
+{
+    StartPortal(0);
+    EXPECT_FALSE(Compose(Both()).has_value());
+    portal->calls.clear();
+    const int before = OpenDescriptors();
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_FALSE(Compose(Both()).has_value());
+        portal->calls.clear();
+    }
+    EXPECT_TRUE(QTest::qWaitFor([&] { return OpenDescriptors() <= before; }, kTestPatience));
+}
+
+TEST_F(MailTest, TooManyFilesForThePortalAloneAreRefusedWithWhatToDo)
+{
+    StartPortal(0);
+    QStringList many;
+    many.fill(pictures.Path("c.png"), 17);
+    const std::optional<Failure> failure = Compose(many);
+    ASSERT_TRUE(failure.has_value());
+    EXPECT_TRUE(failure->Description().contains(QStringLiteral("More than 16 files")))
+        << failure->Description().toStdString();
+    EXPECT_TRUE(portal->calls.isEmpty());
+}
+
 TEST_F(MailTest, MoreFilesThanAMessageTakesGoToXdgEmail)
 {
     StartPortal(0);

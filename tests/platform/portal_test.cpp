@@ -108,6 +108,17 @@ TEST_F(DesktopWithBus, ARefusingPortalIsFollowedByXdgOpen)
     EXPECT_EQ(portal->calls.size(), 1);
 }
 
+TEST_F(DesktopWithBus, APortalThatNeverRepliesIsFollowedByXdgOpen)
+{
+    StartPortal();
+    portal->mute = true;
+    programs.Offer("xdg-open");
+    launcher.OpenPath(pictures.Path("a.jpg"));
+    EXPECT_EQ(programs.WaitForCall("xdg-open").arguments,
+              QList<QByteArray>({pictures.Bytes("a.jpg")}));
+    EXPECT_EQ(portal->calls.size(), 1);
+}
+
 TEST_F(DesktopWithBus, WithoutAPortalXdgOpenIsTaken)
 {
     programs.Offer("xdg-open");

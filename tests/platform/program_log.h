@@ -5,10 +5,33 @@
 #include <QList>
 #include <QTest>
 #include <algorithm>
+#include <unistd.h>
 
 namespace quillane {
 
 constexpr int kTestPatience = 20000; ///< milliseconds until a condition counts as never met
+
+/// How many files this process holds open.
+inline int OpenDescriptors()
+{
+    int open = 0;
+    ListFolder(QStringLiteral("/proc/self/fd"), [&](DirEntry&&) {
+        ++open;
+        return true;
+    });
+    return open;
+}
+
+/// The processes that this thread has started and that are there still, ended or not.
+inline QByteArray ChildProcesses()
+{
+    const QString thread = QStringLiteral("/proc/self/task/%1/children").arg(gettid());
+    const FileHandle file = OpenForReading(thread);
+    QByteArray children(1 << 16, Qt::Uninitialized);
+    const ssize_t got = read(file.Fd(), children.data(), size_t(children.size()));
+    children.truncate(std::max<ssize_t>(got, 0));
+    return children;
+}
 
 /// What a program saw: its name, its folder, its arguments.
 struct ProgramCall {

@@ -72,6 +72,7 @@ public:
 
     QList<ServiceCall> calls;
     bool refuses = false; ///< every call gets an error
+    bool mute = false;    ///< no call gets a reply of any kind
     bool ownPath = false; ///< it answers at a path of its own choice, after the reply
     QStringList lacks;    ///< interfaces that it does not have
     /// The answer of the portal, sent ahead of the reply to the call; none when negative.
@@ -111,6 +112,9 @@ public:
             }
         }
         calls.append(call);
+        if (mute) {
+            return true;
+        }
         if (refuses || lacks.contains(message.interface())) {
             return connection.send(
                 message.createErrorReply("org.freedesktop.DBus.Error.Failed", "no"));

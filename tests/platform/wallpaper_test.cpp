@@ -118,6 +118,16 @@ TEST_F(WallpaperTest, APortalThatDiesIsFollowedByCommands)
     EXPECT_EQ(programs.CallCount("feh"), 1);
 }
 
+TEST_F(WallpaperTest, APortalThatNeverRepliesIsFollowedByCommands)
+{
+    StartPortal(0);
+    portal->mute = true;
+    programs.Offer("feh");
+    EXPECT_FALSE(Set().has_value());
+    EXPECT_EQ(portal->calls.size(), 1);
+    EXPECT_EQ(programs.CallCount("feh"), 1);
+}
+
 TEST_F(WallpaperTest, GnomeGetsTheAddressForLightAndDark)
 {
     Desktop("ubuntu:GNOME");

@@ -4,9 +4,13 @@
 
 #include <QByteArray>
 #include <QCryptographicHash>
+#include <algorithm>
 #include <atomic>
+#include <future>
 #include <gtest/gtest.h>
+#include <memory>
 #include <mutex>
+#include <new>
 #include <set>
 #include <thread>
 
@@ -96,18 +100,42 @@ TEST(SearchAhead, AFailureComesOutAtItsFileAndTheRestGoesOn)
 TEST(SearchAhead, WhatIsNotTestedYetIsDroppedAtTheEnd)
 {
     constexpr int kMany = 1'000'000;
-    std::atomic<int> tested = 0;
+    const auto tested = std::make_shared<std::atomic<int>>(0);
     {
         // Minutes of work, were it all done.
-        const QByteArray content(200'000, 'x');
-        SearchAhead ahead(Numbered(kMany), [&](const QString&) {
-            ++tested;
-            return !QCryptographicHash::hash(content, QCryptographicHash::Sha256).isEmpty();
-        });
+        SearchAhead ahead(
+            Numbered(kMany), [tested, content = QByteArray(200'000, 'x')](const QString&) {
+                ++*tested;
+                return !QCryptographicHash::hash(content, QCryptographicHash::Sha256).isEmpty();
+            });
         EXPECT_TRUE(NextOf(ahead));
     }
-    EXPECT_GT(tested, 0);
-    EXPECT_LT(tested, kMany);
+    EXPECT_GT(*tested, 0);
+    EXPECT_LT(*tested, kMany);
+}
+
+TEST(SearchAhead, ItsEndDoesNotWaitForAFileThatDoesNotAnswer)
+{
+    std::promise<void> answer;
+    const auto stuck = std::make_shared<std::atomic<int>>(0);
+    {
+        SearchAhead ahead(Numbered(1000),
+                          [stuck, disk = answer.get_future().share()](const QString&) {
+                              ++*stuck;
+                              disk.wait();
+                              return true;
+                          });
+        // Nothing comes, and asking for it does not wait for ever either.
+        EXPECT_FALSE(ahead.Next());
+    }
+    answer.set_value();
+    EXPECT_LE(*stuck, int(std::max(1u, std::thread::hardware_concurrency())));
+}
+
+TEST(SearchAhead, WhatIsNoFailureComesOutToo)
+{
+    SearchAhead ahead(Numbered(3), [](const QString&) -> bool { throw std::bad_alloc(); });
+    EXPECT_THROW(NextOf(ahead), std::bad_alloc);
 }
 
 } // namespace quillane

@@ -83,6 +83,7 @@ frmToolImageDisplay::frmToolImageDisplay(Session& session, SettingsStore& store,
     BuildStatusBar();
     BuildToolBar();
     mTools = new RegionTools(*mView, LEAD1, this);
+    mTools->SetWorker([this](const auto& work) { OnCopy(work); });
     ConnectFileMenu();
     ConnectEditMenu();
     ConnectViewMenu();

@@ -3,6 +3,7 @@
 
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPointer>
 #include <cmath>
 #include <optional>
 
@@ -88,6 +89,20 @@ void RegionTools::SetRegionFrame(qint32 frame)
     }
 }
 
+/// Whether it was done and this object still stands.
+bool RegionTools::Work(const std::function<void(EngineInstance&)>& work)
+{
+    const QPointer<RegionTools> self(this);
+    const bool done = ResumeNext([&] {
+        if (mWorker) {
+            mWorker(work);
+        } else {
+            work(LEAD1);
+        }
+    });
+    return done && self;
+}
+
 bool RegionTools::Crop()
 {
     Cancel();
@@ -95,8 +110,9 @@ bool RegionTools::Crop()
         return false;
     }
     const QRect bounds = LEAD1.RegionBounds();
-    const bool done = ResumeNext(
-        [&] { LEAD1.Trim(bounds.left(), bounds.top(), bounds.width(), bounds.height()); });
+    const bool done = Work([bounds](EngineInstance& lead) {
+        lead.Trim(bounds.left(), bounds.top(), bounds.width(), bounds.height());
+    });
     if (!done || QSize(LEAD1.BitmapWidth(), LEAD1.BitmapHeight()) != bounds.size()) {
         return false;
     }
@@ -219,6 +235,7 @@ bool RegionTools::MouseReleased(QMouseEvent* event)
     if (mDrag == Drag::None || event->button() != Qt::LeftButton) {
         return mDrag != Drag::None;
     }
+    const QPointer<RegionTools> self(this);
     if (mDrag == Drag::Band) {
         mView.MoveRubberBand(event->position());
         EndBand();
@@ -226,7 +243,9 @@ bool RegionTools::MouseReleased(QMouseEvent* event)
         MoveFloaterTo(event->position());
         LeaveFloater();
     }
-    RefreshPointer(event->position(), event->modifiers());
+    if (self) {
+        RefreshPointer(event->position(), event->modifiers());
+    }
     return true;
 }
 
@@ -306,7 +325,11 @@ void RegionTools::LeaveFloater()
     mDrag = Drag::None;
     const bool moved = LEAD1.FloaterVisible() && LEAD1.FloaterPosition() != mFloaterStart
         && LEAD1.Bitmap().Pixels().cacheKey() == mPicture;
-    const bool combined = moved && ResumeNext([&] { LEAD1.CombineFloater(); });
+    const QPointer<RegionTools> self(this);
+    const bool combined = moved && Work([](EngineInstance& lead) { lead.CombineFloater(); });
+    if (!self) {
+        return;
+    }
     DropFloater();
     if (combined) {
         Q_EMIT PictureChanged();

@@ -6,6 +6,7 @@
 #include "widgets/ui/engine_view.h"
 #include <QObject>
 #include <QPointF>
+#include <functional>
 
 namespace quillane {
 
@@ -22,6 +23,12 @@ class RegionTools : public QObject {
 public:
     RegionTools(EngineView& view, EngineInstance& instance, QObject* parent = nullptr);
     ~RegionTools() override;
+
+    /// How what takes long is done to the instance: runs the work on it, or on a copy that takes
+    /// its place, and throws what the work throws, also where this object went meanwhile. Without
+    /// one the work runs here.
+    using Worker = std::function<void(const std::function<void(EngineInstance&)>& work)>;
+    void SetWorker(Worker worker) { mWorker = std::move(worker); }
 
     /// The shape that the next drag makes.
     RegionTool Tool() const { return mTool; }
@@ -82,10 +89,12 @@ private:
     void EndBand();
     void LeaveFloater();
     void RefreshPointer(const QPointF& client, Qt::KeyboardModifiers modifiers);
+    bool Work(const std::function<void(EngineInstance&)>& work);
     bool IsMovable(const QPointF& client, Qt::KeyboardModifiers modifiers) const;
 
     EngineView& mView;
     EngineInstance& LEAD1;
+    Worker mWorker;
     RegionTool mTool = RegionTool::None;
     Drag mDrag = Drag::None;
     bool mMagnifier = false;

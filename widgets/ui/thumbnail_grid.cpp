@@ -9,6 +9,7 @@
 #include <QMetaObject>
 #include <QPainter>
 #include <algorithm>
+#include <utility>
 
 namespace quillane {
 
@@ -57,7 +58,6 @@ int ThumbnailGrid::Add(const QString& path, QSize pixels)
 
 void ThumbnailGrid::AddBatch(const QVector<QString>& paths)
 {
-    mCells.reserve(mCells.size() + size_t(paths.size()));
     for (const QString& path : paths) {
         mCells.push_back({path, NewId(), 0, 0});
     }
@@ -86,6 +86,32 @@ void ThumbnailGrid::RemoveAt(int index)
         CellsRemoved(index, 1);
         QueueWanted();
     }
+}
+
+void ThumbnailGrid::RemoveBatch(const QVector<int>& indexes)
+{
+    // The cells that go move behind the others, from where they go together.
+    QVector<int> order, gone;
+    order.reserve(Count());
+    gone.reserve(indexes.size());
+    for (int index = 0; index < Count(); ++index) {
+        const bool goes = gone.size() < indexes.size() && indexes.at(gone.size()) == index;
+        (goes ? gone : order).append(index);
+    }
+    if (gone.isEmpty()) {
+        return;
+    }
+    for (const int index : std::as_const(gone)) {
+        const Cell& cell = mCells[size_t(index)];
+        Forget(cell);
+        mStock.remove(cell.id);
+        mTexts.remove(cell.id);
+    }
+    const qsizetype kept = order.size();
+    Reorder(order + gone);
+    mCells.resize(size_t(kept));
+    CellsRemoved(int(kept), int(gone.size()));
+    QueueWanted();
 }
 
 void ThumbnailGrid::SetPath(int index, const QString& path, const QString& shown)

@@ -29,6 +29,8 @@ public:
     void InsertBefore(int index, const QString& path, const QImage& picture = {},
                       QSize pixels = {});
     void RemoveAt(int index);
+    /// Removes the cells at these positions, ascending and each once, in one walk.
+    void RemoveBatch(const QVector<int>& indexes);
     /// After a rename: the picture stays. shown: a text to show instead of the new leaf name, empty
     /// for none.
     void SetPath(int index, const QString& path, const QString& shown = {});

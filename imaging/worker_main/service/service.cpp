@@ -1,5 +1,6 @@
 #include "core/failure.h"
 #include "imaging/limits.h"
+#include "imaging/worker/request_time.h"
 #include "imaging/worker/socket_message.h"
 #include "imaging/worker_main/service/descriptor_source.h"
 #include "imaging/worker_main/service/encode_link.h"
@@ -119,7 +120,8 @@ void Work(const WorkerCodec& codec, const RequestMessage& request, DescriptorSou
 template <typename Run>
 void Answer(const char* codec, quint64 ticket, int seconds, const char* thing, Run&& run)
 {
-    ::alarm(unsigned(seconds) + kSpareSeconds);
+    // The program ends a slow process by itself; this is for one whose program cannot.
+    ::alarm(unsigned(seconds) * RequestTime::kMostPatience + kSpareSeconds);
     try {
         run();
     } catch (const Failure& failure) {
