@@ -22,7 +22,8 @@ constexpr int kFiles = 1000;
 constexpr int kRounds = 5;
 constexpr double kMostOverCp = 1.1;
 
-/// From a small JPEG of a telephone to a large one of a camera: 100 KB to 2.5 MB, 0.9 MB on average.
+/// From a small JPEG of a telephone to a large one of a camera: 100 KB to 2.5 MB, 0.9 MB on
+/// average.
 qsizetype SizeOfPhoto(int number)
 {
     const qsizetype step = (number * 37) % 97;

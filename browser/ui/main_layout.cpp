@@ -73,7 +73,7 @@ void frmBrowserMain::BuildToolBar()
     mDirPath->lineEdit()->setPlaceholderText(tr("Folder"));
     mProgress = new QProgressBar(progressPlace);
     mProgress->setObjectName(QStringLiteral("proTile"));
-    mProgress->setAccessibleName(tr("Progress of the scan"));
+    mProgress->setAccessibleName(tr("Progress"));
     mProgress->setTextVisible(false);
     mProgress->hide();
     for (QWidget* place : {comboPlace, progressPlace}) {

@@ -154,11 +154,32 @@ TEST_F(BrowseDialogTest, ANewFolderIsNamedInPlaceAndSelected)
     EXPECT_TRUE(boxes.Boxes().isEmpty());
 }
 
+TEST_F(BrowseDialogTest, SelectWhileANewFolderIsNamedTakesTheNameAlong)
+{
+    session.browsePath = folder.Path("two/");
+    Open();
+    ASSERT_TRUE(Selected("two"));
+    QTest::mouseClick(Button("cmdNewFolder"), Qt::LeftButton);
+    QLineEdit* editor = nullptr;
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            editor = Tree()->viewport()->findChild<QLineEdit*>();
+            return editor != nullptr;
+        },
+        kWait));
+    Retype(editor, "Holiday");
+    QTest::mouseClick(Button("cmdSelect"), Qt::LeftButton);
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(session.browsePath, folder.Path("two/Holiday/"));
+    EXPECT_EQ(StatPath(folder.Path("two/Holiday")).type, FileType::Folder);
+}
+
 TEST_F(BrowseDialogTest, ANewFolderWhereNoneCanBeMadeIsRefusedInWords)
 {
     session.browsePath = QStringLiteral("/proc/");
     Open();
     ASSERT_TRUE(QTest::qWaitFor([&] { return Tree()->SelectedPath() == "/proc"; }, kWait));
+    boxes.Answer(BoxAnswer::Ok);
     QTest::mouseClick(Button("cmdNewFolder"), Qt::LeftButton);
     ASSERT_EQ(boxes.Boxes().size(), 1);
     EXPECT_FALSE(boxes.Boxes()[0].text.isEmpty());
