@@ -6,9 +6,11 @@
 #include <QMimeData>
 #include <QPalette>
 #include <QSet>
+#include <QThreadPool>
 #include <algorithm>
 #include <functional>
 #include <iterator>
+#include <memory>
 #include <utility>
 
 namespace quillane {
@@ -95,7 +97,7 @@ void AlbumModel::Clear()
 void AlbumModel::ClearRows()
 {
     beginResetModel();
-    mRows.clear();
+    LetGoOfRows();
     mSettled = 0;
     mWaiting = 0;
     mKnownExports = 0;
@@ -125,6 +127,16 @@ void AlbumModel::Append(std::vector<Row> rowsOfFile)
         std::move(rowsOfFile.begin(), rowsOfFile.end(), std::back_inserter(mRows));
     }
     endInsertRows();
+}
+
+void AlbumModel::LetGoOfRows()
+{
+    constexpr size_t kMany = 50'000; // strings that are freed one by one
+    if (mRows.size() > kMany) {
+        auto old = std::make_shared<std::vector<Row>>(std::move(mRows));
+        QThreadPool::globalInstance()->start([rows = std::move(old)]() mutable { rows.reset(); });
+    }
+    mRows.clear();
 }
 
 void AlbumModel::Append(const QList<QString>& paths, AlbumFeed feed)

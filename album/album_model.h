@@ -72,6 +72,8 @@ public:
     Qt::DropActions supportedDragActions() const override { return Qt::CopyAction; }
 
 private:
+    /// Empties the rows; very many are freed on another thread.
+    void LetGoOfRows();
     /// RemoveSteps of positions that get smaller with each step, in one walk.
     void RemoveMany(const QVector<int>& positions);
     bool Has(int row) const { return row >= 0 && row < Count(); }

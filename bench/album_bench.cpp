@@ -211,6 +211,7 @@ private:
             lines += "/nowhere/" + QByteArray::number(i) + ".jpg\n";
         }
         WriteWholeFile(mFile, lines);
+        LetGo(100);
         mPing.Reset();
         mWindow->OpenImageListFile(mFile);
         WaitFor([this] { return mWindow->Rows().Settled() == kMostLines; });
