@@ -6,8 +6,11 @@
 #include <QMimeData>
 #include <QPalette>
 #include <QSet>
+#include <QThreadPool>
 #include <algorithm>
 #include <functional>
+#include <iterator>
+#include <memory>
 #include <utility>
 
 namespace quillane {
@@ -94,22 +97,59 @@ void AlbumModel::Clear()
 void AlbumModel::ClearRows()
 {
     beginResetModel();
-    mRows.clear();
+    LetGoOfRows();
     mSettled = 0;
     mWaiting = 0;
     mKnownExports = 0;
     endResetModel();
 }
 
+std::vector<AlbumModel::Row> AlbumModel::RowsOfFile(QList<QString> paths)
+{
+    std::vector<Row> rows;
+    rows.reserve(size_t(paths.size()));
+    for (QString& path : paths) {
+        rows.push_back({std::move(path), 0, 0, AlbumFileState::Unknown, Joins::WhenFound});
+    }
+    return rows;
+}
+
+void AlbumModel::Append(std::vector<Row> rowsOfFile)
+{
+    if (rowsOfFile.empty()) {
+        return;
+    }
+    mWaiting += int(rowsOfFile.size());
+    beginInsertRows({}, Count(), Count() + int(rowsOfFile.size()) - 1);
+    if (mRows.empty()) {
+        mRows = std::move(rowsOfFile);
+    } else {
+        std::move(rowsOfFile.begin(), rowsOfFile.end(), std::back_inserter(mRows));
+    }
+    endInsertRows();
+}
+
+void AlbumModel::LetGoOfRows()
+{
+    constexpr size_t kMany = 50'000; // strings that are freed one by one
+    if (mRows.size() > kMany) {
+        auto old = std::make_shared<std::vector<Row>>(std::move(mRows));
+        QThreadPool::globalInstance()->start([rows = std::move(old)]() mutable { rows.reset(); });
+    }
+    mRows.clear();
+}
+
 void AlbumModel::Append(const QList<QString>& paths, AlbumFeed feed)
 {
+    if (feed == AlbumFeed::File) {
+        Append(RowsOfFile(paths));
+        return;
+    }
     if (paths.isEmpty()) {
         return;
     }
     Joins joins = Joins::No;
-    if (feed == AlbumFeed::File) {
-        joins = Joins::WhenFound;
-    } else if (feed == AlbumFeed::Added) {
+    if (feed == AlbumFeed::Added) {
         // Behind rows that may still join, so that the list has the order of the rows.
         joins = mWaiting > 0 ? Joins::Yes : Joins::No;
         if (joins == Joins::No) {

@@ -22,6 +22,17 @@ class AlbumModel : public QAbstractTableModel {
 public:
     enum Column : int { kFilename, kSize, kModified, kColumns };
 
+    /// When a path joins lbExportList: never, once found, or once looked at.
+    enum class Joins : quint8 { No, WhenFound, Yes };
+    struct Row {
+        QString path;
+        qint64 size = 0, modifiedSeconds = 0;
+        AlbumFileState state = AlbumFileState::Unknown;
+        Joins joins = Joins::No;
+    };
+    /// Rows of an album file, for Append. Any thread: to make very many takes a while.
+    static std::vector<Row> RowsOfFile(QList<QString> paths);
+
     /// lbExportList is the session's; it outlives the model.
     explicit AlbumModel(QList<QString>& lbExportList, QObject* parent = nullptr);
     /// How times are written; at first nothing is.
@@ -36,6 +47,7 @@ public:
     void Clear();     ///< no rows; lbExportList is emptied too
     void ClearRows(); ///< no rows; lbExportList stays
     void Append(const QList<QString>& paths, AlbumFeed feed);
+    void Append(std::vector<Row> rowsOfFile);
     /// The first row that has not been looked at; Count() when all have.
     int Settled() const { return mSettled; }
     /// The next rows to look at, at most so many.
@@ -60,13 +72,8 @@ public:
     Qt::DropActions supportedDragActions() const override { return Qt::CopyAction; }
 
 private:
-    enum class Joins : quint8 { No, WhenFound, Yes }; ///< lbExportList, when looked at
-    struct Row {
-        QString path;
-        qint64 size = 0, modifiedSeconds = 0;
-        AlbumFileState state = AlbumFileState::Unknown;
-        Joins joins = Joins::No;
-    };
+    /// Empties the rows; very many are freed on another thread.
+    void LetGoOfRows();
     /// RemoveSteps of positions that get smaller with each step, in one walk.
     void RemoveMany(const QVector<int>& positions);
     bool Has(int row) const { return row >= 0 && row < Count(); }

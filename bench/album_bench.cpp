@@ -24,6 +24,7 @@ using bench::Wanted;
 namespace {
 
 constexpr int kFiles = 20'000;
+constexpr int kMostLines = 1'000'000;
 constexpr int kPhotographs = 60;
 constexpr int kSteps = 60;                                         // of the scroll bar
 constexpr double kAnswer = 50, kOpened = 1000, kFirstScreen = 500; // milliseconds
@@ -93,6 +94,10 @@ public:
         Step("longest wait, cleared", [this] { Do("mnuClearALL"); });
         Step("longest wait, closed in the middle of a reading", [this] { Close(); });
         const auto peak = double(bench::PeakResidentBytes());
+        Show();
+        Step("longest wait, a million lines that lead nowhere", [this] { ReadMillion(); });
+        Step("longest wait, these scrolled", [this] { Scroll(Rows().verticalScrollBar()); });
+        Step("longest wait, these cleared", [this] { Do("mnuClearALL"); });
         mGood &= bench::PrintFigure("peak resident memory", peak / 1e6, kMemory / 1e6, "MB",
                                     peak / kMemory, Wanted::AtMost, 1);
         return mGood;
@@ -198,6 +203,18 @@ private:
         const auto* grid = mProgram.Main().findChild<ThumbnailGrid*>();
         const auto* list = mProgram.Main().findChild<FileListView*>();
         WaitFor([&] { return (thumbnails ? grid->Count() : list->Count()) == kFiles; });
+    }
+    void ReadMillion()
+    {
+        QByteArray lines = "#\n#\n";
+        for (int i = 0; i < kMostLines; ++i) {
+            lines += "/nowhere/" + QByteArray::number(i) + ".jpg\n";
+        }
+        WriteWholeFile(mFile, lines);
+        LetGo(100);
+        mPing.Reset();
+        mWindow->OpenImageListFile(mFile);
+        WaitFor([this] { return mWindow->Rows().Settled() == kMostLines; });
     }
     void Close()
     {

@@ -7,6 +7,7 @@
 
 #include <QPointer>
 #include <QStatusBar>
+#include <utility>
 
 namespace quillane {
 
@@ -63,7 +64,11 @@ void frmBrowserImageFileList::ReadAlbumFile(const QString& path)
     ShowTotal();
     auto album = std::make_shared<AlbumReading>();
     mReading = true;
-    const auto failed = Aside([album, path] { *album = ReadAlbum(path, kFirstLooks); });
+    auto rows = std::make_shared<std::vector<AlbumModel::Row>>();
+    const auto failed = Aside([album, rows, path] {
+        *album = ReadAlbum(path, kFirstLooks);
+        *rows = AlbumModel::RowsOfFile(std::move(album->text.paths));
+    });
     if (!failed) {
         return;
     }
@@ -74,7 +79,7 @@ void frmBrowserImageFileList::ReadAlbumFile(const QString& path)
     }
     statusBar()->clearMessage();
     mPartlyRead->Note(path, album->file, album->holdsMore);
-    mModel.Append(album->text.paths, AlbumFeed::File);
+    mModel.Append(std::move(*rows));
     mModel.Settle(album->facts);
     if (album->complete) {
         mComment->setPlainText(album->text.comment);

@@ -226,7 +226,7 @@ void frmBrowserImageFileList::ConnectViews()
     });
     connect(mPreview, &AlbumPreviewPane::Unreadable, this, &frmBrowserImageFileList::Tell);
     connect(QApplication::clipboard(), &QClipboard::dataChanged, this,
-            &frmBrowserImageFileList::UpdateFileMenu);
+            &frmBrowserImageFileList::ClipboardChanged);
 }
 
 void frmBrowserImageFileList::setVisible(bool visible)
@@ -253,7 +253,7 @@ void frmBrowserImageFileList::LoadForm()
                       ReadBool(mStore, AlbumSetting("nmuViewFilename.CHECKED")));
     mMenus.SetChecked(QStringLiteral("mnuViewThumbnails"),
                       ReadBool(mStore, AlbumSetting("mnuViewThumbnails.CHECKED")));
-    UpdateFileMenu();
+    FileMenuOpens();
     mGrid->Clear();
     mGrid->SetCellSize(kAlbumCell, kAlbumCell);
     mPreview->Blank();
@@ -331,18 +331,25 @@ void frmBrowserImageFileList::dropEvent(QDropEvent* event)
 
 void frmBrowserImageFileList::FileMenuOpens()
 {
-    UpdateFileMenu();
     const QMimeData* held = QApplication::clipboard()->mimeData();
-    mMenus.SetEnabled(QStringLiteral("mnuPaste"), mBusy == 0 && held && HoldsFileList(*held));
+    mCanPaste = held && HoldsFileList(*held);
+    UpdateFileMenu();
+}
+
+void frmBrowserImageFileList::ClipboardChanged()
+{
+    // The exact answer comes with the menu; until then the key is not in the way.
+    const QMimeData* held = QApplication::clipboard()->mimeData();
+    mCanPaste = held && MayHoldFileList(*held);
+    UpdateFileMenu();
 }
 
 void frmBrowserImageFileList::UpdateFileMenu()
 {
     const bool idle = mBusy == 0;
-    const QMimeData* held = QApplication::clipboard()->mimeData();
     const bool any = idle && mModel.Count() > 0;
     mMenus.SetEnabled(QStringLiteral("mnuOpen"), idle);
-    mMenus.SetEnabled(QStringLiteral("mnuPaste"), idle && held && MayHoldFileList(*held));
+    mMenus.SetEnabled(QStringLiteral("mnuPaste"), idle && mCanPaste);
     for (const char* name :
          {"mnuPrint", "mnuSend", "mnuTileImages", "mnuClearALL", "mnuSave", "mnuRemoveSelected"}) {
         mMenus.SetEnabled(QLatin1String(name), any);

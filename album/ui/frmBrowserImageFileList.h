@@ -67,6 +67,7 @@ private:
     void LoadForm();
     void Unload();
     void FileMenuOpens();
+    void ClipboardChanged();
     void UpdateFileMenu();
 
     // Commands.
@@ -126,6 +127,7 @@ private:
     bool mFormLoaded = false;
     bool mShowing = false; ///< the code changes the current row, not a person
     bool mCloseWanted = false;
+    bool mCanPaste = false;       ///< the clipboard holds, or may hold, a list of files
     bool mPressPreviewed = false; ///< the press that goes on has previewed its row
     BackgroundJobs mJobs;
 };

@@ -6,12 +6,16 @@
 
 QList<QByteArray> MetadataSeeds()
 {
+    using quillane::kMaxAlbumComment;
     return {"#\r\nSummer trip\r\n#\r\nC:\\Pics\\a.jpg\r\nD:\\Scans\\b.tif\r\n",
             "/p/a.jpg\r\n/p/b.jpg\r\n",
             "\xef\xbb\xbf#\nM\xc3\xbcnchen\n\n#\n/p/a.jpg\n\n/p/caf\xe9.jpg",
             "#\r\nM\xfcnchen\r\n#\r\n",
             "#",
             "\n\n\r\n\r",
+            "#\rSummer trip\r#\r/p/a.jpg\r/p/b.jpg\r",
+            "/p/a\rb.jpg\r\n/p/c.jpg\n/p/d.jpg",
+            "#\n" + QByteArray("\xe2\x82\xac").repeated(kMaxAlbumComment / 2) + "\n#\n/p/a.jpg\n",
             QByteArray("/a\0b\r\n#\r\n", 9)};
 }
 

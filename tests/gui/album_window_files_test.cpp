@@ -3,6 +3,7 @@
 #include "imaging/format_table.h"
 #include "imaging/reader.h"
 
+#include <QDir>
 #include <QStyledItemDelegate>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -86,6 +87,81 @@ TEST_F(AlbumFilesTest, RemoveWithNothingSelectedRemovesNothing)
     Menu("mnuRemoveSelected")->trigger();
     EXPECT_EQ(Total(), "1");
     EXPECT_EQ(session.lbExportList.size(), 1);
+}
+
+TEST_F(AlbumFilesTest, FilledGridMakesItsFirstCellCurrentAndPreviewsTheFirstRow)
+{
+    const QString there = Small();
+    OpenAlbum(AlbumOf({QStringLiteral("/nowhere/none.png"), there}, QStringLiteral("c")));
+    ClickRow(1);
+    ASSERT_TRUE(Rest());
+    EXPECT_TRUE(LeadShown());
+    ShowThumbnails();
+    ASSERT_EQ(Grid()->Count(), 1);
+    EXPECT_EQ(Grid()->Current(), 0);
+    EXPECT_EQ(Grid()->PathAt(0), there);
+    EXPECT_EQ(Box("txtImageSize"), "File Not Found!");
+    EXPECT_FALSE(LeadShown());
+}
+
+TEST_F(AlbumFilesTest, GridOfAnAlbumWithoutFilesIsEmptyAndShowsNoPicture)
+{
+    OpenAlbum(AlbumOf({QStringLiteral("/nowhere/none.png")}, QStringLiteral("c")));
+    ShowThumbnails();
+    EXPECT_EQ(Grid()->Count(), 0);
+    EXPECT_EQ(Total(), "1");
+    EXPECT_FALSE(LeadShown());
+    Menu("mnuTileImages")->trigger();
+    EXPECT_TRUE(albumHost.shown.isEmpty());
+    EXPECT_EQ(albumHost.panels[3], "Total Images = 1");
+}
+
+TEST_F(AlbumFilesTest, FolderThatDisappearsInTheMiddleLeavesRowsAndBrokenCells)
+{
+    ASSERT_TRUE(MakeFolder(Path(QStringLiteral("stick"))));
+    QList<QString> paths;
+    for (int i = 0; i < 5; ++i) {
+        paths.append(Small(QStringLiteral("stick/p%1.bmp").arg(i)));
+    }
+    OpenAlbum(AlbumOf(paths));
+    ASSERT_TRUE(QDir(Path(QStringLiteral("stick"))).removeRecursively());
+    ShowThumbnails();
+    ASSERT_EQ(Grid()->Count(), 5);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !Grid()->FailureAt(4).isEmpty(); }, kWait));
+    EXPECT_EQ(Box("txtImageSize"), "File Not Found!");
+    EXPECT_EQ(session.lbExportList, paths);
+    Menu("mnuTileImages")->trigger();
+    EXPECT_TRUE(albumHost.shown.isEmpty());
+    EXPECT_EQ(albumHost.panels[3], "Total Images = 5");
+}
+
+TEST_F(AlbumFilesTest, FactsAreThoseOfTheFileItself)
+{
+    session.lbExportList = {Copy(QStringLiteral("chart.gif"))};
+    Open();
+    ASSERT_TRUE(Rest());
+    const ImageFacts facts = ProbeFile(session.lbExportList.first());
+    EXPECT_LE(facts.bits, 8);
+    EXPECT_EQ(Box("txtImageSize"),
+              QStringLiteral("Image Size: %1 X %2 X %3")
+                  .arg(facts.width)
+                  .arg(facts.height)
+                  .arg(facts.bits));
+    EXPECT_EQ(Box("txtImageFormat"), QStringLiteral("Format: ") + FormatDescription(facts.format));
+}
+
+TEST_F(AlbumFilesTest, RubbishBehindAPictureNameIsToldAndHasNoFacts)
+{
+    const QString rubbish = Path(QStringLiteral("a.jpg"));
+    WriteWholeFile(rubbish, "no picture");
+    session.lbExportList = {rubbish};
+    Open();
+    ASSERT_TRUE(Rest());
+    EXPECT_EQ(Box("txtImageSize") + Box("txtImageFormat"), "");
+    EXPECT_FALSE(LeadShown());
+    EXPECT_FALSE(Told().isEmpty());
+    ShowThumbnails();
+    ASSERT_TRUE(QTest::qWaitFor([this] { return !Grid()->FailureAt(0).isEmpty(); }, kWait));
 }
 
 TEST_F(AlbumFilesTest, BlankLineIsARowOfAMissingFile)

@@ -88,6 +88,16 @@ TEST_F(AlbumWindowTest, PasteIsOfferedExactlyIfTheClipboardHoldsAFileList)
     EXPECT_FALSE(offered(holding("image/png", "no list")));
 }
 
+TEST_F(AlbumWindowTest, LoadedWindowKnowsWhetherThereIsAListToPaste)
+{
+    QApplication::clipboard()->setText(QStringLiteral("a walk in the rain"));
+    Open();
+    EXPECT_FALSE(Menu("mnuPaste")->isEnabled());
+    QApplication::clipboard()->setMimeData(FileListMimeData({QStringLiteral("/a.jpg")}));
+    Open();
+    EXPECT_TRUE(Menu("mnuPaste")->isEnabled());
+}
+
 TEST_F(AlbumWindowTest, ViewEntriesCheckThemselvesAndUncheckTheOther)
 {
     session.lbExportList = {Small()};

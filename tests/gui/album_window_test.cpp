@@ -359,4 +359,21 @@ TEST_F(AlbumWindowTest, EveryControlIsReachedByTabAndSpeaks)
     }
 }
 
+TEST_F(AlbumWindowTest, ThumbnailsAreReachedByTab)
+{
+    session.lbExportList = {Small(QStringLiteral("a.png"))};
+    Open();
+    ShowThumbnails();
+    album->activateWindow();
+    auto* comment = Part<QPlainTextEdit>("rtbComment");
+    comment->setFocus();
+    QSet<QString> met;
+    for (int i = 0; i < 20; ++i) {
+        QTest::keyClick(album->focusWidget(), Qt::Key_Tab);
+        met.insert(album->focusWidget()->objectName());
+    }
+    EXPECT_TRUE(met.contains(QStringLiteral("LEADImgList1")));
+    EXPECT_FALSE(met.contains(QStringLiteral("lvImageFileList")));
+}
+
 } // namespace quillane

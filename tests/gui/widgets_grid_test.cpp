@@ -60,6 +60,34 @@ TEST_F(ThumbnailGridTest, InsertingAndRemovingKeepsSelectionAndCurrentWithTheirF
     EXPECT_EQ(mGrid.Count(), 41);
 }
 
+TEST_F(ThumbnailGridTest, ManyAreRemovedAtOnceAndTheOthersKeepTheirOrderAndState)
+{
+    ClickCell(mGrid, 5);
+    mGrid.SetSelected(8, true);
+    mGrid.SetThumbnail(8, Picture({100, 50}));
+    const QString current = mGrid.PathAt(5), pictured = mGrid.PathAt(8);
+    QVector<int> gone{0, 3, 4, 39, 99};
+    QVector<QString> kept;
+    for (int i = 0; i < 40; ++i) {
+        if (!gone.contains(i)) {
+            kept.append(mGrid.PathAt(i));
+        }
+    }
+    mGrid.RemoveBatch(gone);
+    ASSERT_EQ(mGrid.Count(), kept.size());
+    for (int i = 0; i < kept.size(); ++i) {
+        EXPECT_EQ(mGrid.PathAt(i), kept.at(i));
+    }
+    EXPECT_EQ(mGrid.PathAt(mGrid.Current()), current);
+    EXPECT_EQ(Rows(), (QVector<int>{2, 5}));
+    EXPECT_EQ(mGrid.PathAt(5), pictured);
+    EXPECT_TRUE(mGrid.HasThumbnail(5));
+    mGrid.RemoveBatch({});
+    EXPECT_EQ(mGrid.Count(), kept.size());
+    mGrid.RemoveBatch({2});
+    EXPECT_EQ(mGrid.Current(), -1);
+}
+
 TEST_F(ThumbnailGridTest, AReorderTakesPicturesAndSelectionAlong)
 {
     mGrid.SetThumbnail(0, Picture({100, 100}));
