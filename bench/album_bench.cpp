@@ -193,6 +193,7 @@ private:
         Grid().SelectAll();
         for (int cell = 0; cell < kFiles / 2; cell += 500) {
             Grid().SetSelected(cell, false);
+            LetGo(1); // one click after the other
         }
         Do("mnuRemoveSelected");
         WaitFor([this] { return mWindow->Rows().Count() == kFiles / 2 / 500; });
