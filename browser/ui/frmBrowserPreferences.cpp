@@ -46,6 +46,14 @@ QLabel* MakePreferenceLabel(const QString& words, QWidget* box)
     return label;
 }
 
+/// The Tab key leads to the option that is on, as the toolkit sees to once the keyboard was there.
+template <typename Options> void LeadTabToTheCheckedOne(const Options& options)
+{
+    for (QRadioButton* option : options) {
+        option->setFocusPolicy(option->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
+    }
+}
+
 } // namespace
 
 frmBrowserPreferences::frmBrowserPreferences(Session& session, PreferencesTarget& target,
@@ -285,6 +293,8 @@ void frmBrowserPreferences::Load()
     txtThumbY->setText(form.txtThumbY);
     txtJPEGValue->setText(form.txtJPEGValue);
     optVideoTool[size_t(form.optVideoTool)]->setChecked(true);
+    LeadTabToTheCheckedOne(optFileOptions);
+    LeadTabToTheCheckedOne(optVideoTool);
     chkGridlines->setChecked(form.chkGridlines);
     chkSorted->setChecked(form.chkSorted);
     chkSubDirectory->setChecked(form.chkSubDirectory);

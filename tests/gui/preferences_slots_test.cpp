@@ -206,6 +206,9 @@ TEST_F(PreferencesWindowTest, EveryControlIsReachedByTabAndHasWords)
     }
     for (int tab = 0; tab < 4; ++tab) {
         Preferences([&](QDialog& dialog) {
+            dialog.activateWindow();
+            ASSERT_TRUE(
+                QTest::qWaitFor([&] { return QApplication::activeWindow() == &dialog; }, kWait));
             Tab(dialog, tab);
             ExpectNamedByTab(dialog, expected[tab]);
         });
