@@ -295,7 +295,7 @@ TEST_F(WorkerEncode, NoDescriptorAndNoProcessIsLeftBehind)
         round();
     }
     worker::Shutdown();
-    EXPECT_EQ(OpenDescriptors(), before);
+    EXPECT_LE(OpenDescriptors(), before); // what tests before this one left may close meanwhile
     EXPECT_TRUE(ChildProcesses().empty());
 }
 

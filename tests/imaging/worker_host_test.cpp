@@ -290,7 +290,7 @@ TEST_F(WorkerHost, NoDescriptorAndNoProcessIsLeftBehind)
         round();
     }
     worker::Shutdown();
-    EXPECT_EQ(OpenDescriptors(), before);
+    EXPECT_LE(OpenDescriptors(), before); // what tests before this one left may close meanwhile
     EXPECT_TRUE(ChildProcesses().empty());
 }
 

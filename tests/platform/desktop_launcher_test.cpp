@@ -174,7 +174,7 @@ TEST_F(LauncherWithoutBus, HundredsOfLaunchesLeaveNothingBehind)
     }
     ASSERT_TRUE(QTest::qWaitFor([&] { return launcher.children().isEmpty(); }, kTestPatience));
     EXPECT_EQ(ended, 301);
-    EXPECT_EQ(OpenDescriptors(), open);
+    EXPECT_LE(OpenDescriptors(), open); // what tests before this one left may close meanwhile
     EXPECT_EQ(ChildProcesses(), children);
 }
 
