@@ -321,6 +321,9 @@ void frmBrowserMain::BrowseImages(int mode)
 void frmBrowserMain::ShowFiles(const QVector<QString>& paths)
 {
     mScan.Abandon();
+    // What happens in the folder does not concern them.
+    mPlatform.watch.Watch({});
+    mViews->ShowChanged(false);
     mSession.lbFilTiffs = paths;
     if (mViews->ThumbnailsShown()) {
         mViews->ClearGrid(mSession.gThumbnailWidth, mSession.gThumbnailHeight);
