@@ -60,6 +60,19 @@ TEST_F(MainWindowAlbumTest, EachEntryShowsTheOneAlbumWindow)
     EXPECT_EQ(windows.LoadedNames().count(QStringLiteral("frmBrowserImageFileList")), 1);
 }
 
+TEST_F(MainWindowAlbumTest, OwnedWindowsStayAboveTheBrowserAndDoNotBlockIt)
+{
+    Start();
+    for (const char* name : {"frmBrowserImageFileList", "frmLocate", "frmToolImageDisplay"}) {
+        const auto* window = qobject_cast<QWidget*>(windows.Get(QLatin1String(name)));
+        ASSERT_NE(window, nullptr) << name;
+        EXPECT_EQ(window->parentWidget(), main.get()) << name;
+        EXPECT_EQ(window->windowType(), Qt::Dialog) << name;
+        EXPECT_FALSE(window->isModal()) << name;
+        EXPECT_TRUE(window->windowFlags().testFlag(Qt::WindowMinMaxButtonsHint)) << name;
+    }
+}
+
 TEST_F(MainWindowAlbumTest, DoubleClickOnAnAlbumOpensIt)
 {
     Pictures(2);
