@@ -1,6 +1,7 @@
 #include "browser/file_operation.h"
 
 #include "core/failure.h"
+#include "core/native_path.h"
 #include "core/paths.h"
 #include "core/posix_error.h"
 
@@ -164,6 +165,7 @@ void FileOperations::BringBack()
     const QVector<TrashedFile> files = mTrashed.takeLast();
     int done = 0;
     QString failed, back;
+    QVector<TrashedFile> kept; // another try may do better
     RunWithProgress(int(files.size()), [&](std::atomic<int>& progress) {
         for (int i = 0; i < files.size(); ++i) {
             progress = i;
@@ -173,9 +175,15 @@ void FileOperations::BringBack()
                 back = back.isEmpty() ? files.at(i).original : back;
             } catch (const Failure& failure) {
                 failed = failed.isEmpty() ? failure.Description() : failed;
+                if (StatPath(files.at(i).trashed).type != FileType::Missing) {
+                    kept.append(files.at(i));
+                }
             }
         }
     });
+    if (!kept.isEmpty()) {
+        mTrashed.prepend(kept); // behind what can come back now
+    }
     mView.RefreshFiles();
     if (const qsizetype at = mSession.lbFilTiffs.indexOf(back); at >= 0) {
         mView.MakeFileCurrent(int(at));
