@@ -14,7 +14,7 @@ namespace {
 constexpr int kNameLetters = 40; // as wide as so many, at first
 
 /// What the new name is joined to. A file of a sub-folder keeps its place.
-QString RenameFolder(const Session& session)
+QString FolderOfNewName(const Session& session)
 {
     const QString folder = FolderOf(session.gsFileName);
     const QString shown = WithSeparator(session.gsPath);
@@ -76,7 +76,7 @@ frmRename::frmRename(Session& session, QWidget* parent)
 
 void frmRename::accept()
 {
-    mSession.gsNewName = JoinAsIs(RenameFolder(mSession), mName->text());
+    mSession.gsNewName = JoinAsIs(FolderOfNewName(mSession), mName->text());
     QDialog::accept();
 }
 
