@@ -368,8 +368,14 @@ QMimeData* AlbumModel::mimeData(const QModelIndexList& indexes) const
 QString ShortPath(const QString& path)
 {
     constexpr qsizetype kMost = 4096; // as long as a path can be that leads somewhere
-    return path.size() <= kMost ? path
-                                : path.first(kMost / 2) + QChar(0x2026) + path.last(kMost / 2);
+    QString shown =
+        path.size() <= kMost ? path : path.first(kMost / 2) + QChar(0x2026) + path.last(kMost / 2);
+    for (QChar& unit : shown) {
+        if (unit.category() == QChar::Other_Control) {
+            unit = QChar::ReplacementCharacter;
+        }
+    }
+    return shown;
 }
 
 QVector<int> AlbumRemovalSteps(const QVector<bool>& rows, const QVector<bool>& cells)

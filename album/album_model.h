@@ -92,7 +92,8 @@ private:
 /// whose cell is selected goes likewise.
 QVector<int> AlbumRemovalSteps(const QVector<bool>& rows, const QVector<bool>& cells);
 
-/// A path for the eye: what no system takes for a path has its middle left out.
+/// A path for the eye: what no system takes for a path has its middle left out, and line ends and
+/// their like are seen to be there.
 QString ShortPath(const QString& path);
 
 } // namespace quillane

@@ -1,13 +1,16 @@
 #include "browser/file_operation.h"
 
 #include "core/failure.h"
+#include "core/native_path.h"
 #include "core/paths.h"
 #include "core/posix_error.h"
 
 #include <QCoreApplication>
 #include <QScopeGuard>
 #include <QScopedValueRollback>
+#include <QSet>
 #include <algorithm>
+#include <iterator>
 
 namespace quillane {
 
@@ -18,6 +21,26 @@ constexpr qsizetype kMostBatches = 100; // of what can be brought back
 QString OperationText(const char* text)
 {
     return QCoreApplication::translate("FileOperation", text);
+}
+
+/// The files that are looked at when these are gone: the next one that stays, and the one before.
+QStringList NextFiles(const QVector<QString>& shown, const QVector<WalkFile>& gone)
+{
+    QSet<QString> goes;
+    for (const WalkFile& file : gone) {
+        goes.insert(file.path);
+    }
+    const auto stays = [&](const QString& path) { return !goes.contains(path); };
+    const auto from = shown.begin() + gone.first().position;
+    QStringList next;
+    if (const auto after = std::find_if(from, shown.end(), stays); after != shown.end()) {
+        next.append(*after);
+    }
+    const auto before = std::find_if(std::make_reverse_iterator(from), shown.rend(), stays);
+    if (before != shown.rend()) {
+        next.append(*before);
+    }
+    return next;
 }
 
 } // namespace
@@ -117,13 +140,15 @@ void FileOperations::TrashSelected()
         mView.Tell(WalkLine(WalkKind::Trash, {}));
         return;
     }
-    const int first = files.first().position;
-    const QString folder = mSession.gsPath;
+    const QStringList next = NextFiles(mSession.lbFilTiffs, files);
     const WalkResult result = Walk(WalkKind::Trash);
     mView.RefreshFiles();
-    // The next file is looked at, as after one that was put aside.
-    if (!mSession.lbFilTiffs.isEmpty() && mSession.gsPath == folder) {
-        mView.MakeFileCurrent(std::min(first, int(mSession.lbFilTiffs.size()) - 1));
+    // The next file is looked at, as after one that was put aside; the scan may have another order.
+    for (const QString& path : next) {
+        if (const qsizetype at = mSession.lbFilTiffs.indexOf(path); at >= 0) {
+            mView.MakeFileCurrent(int(at));
+            break;
+        }
     }
     mView.Tell(WalkLine(WalkKind::Trash, result));
 }
@@ -140,6 +165,7 @@ void FileOperations::BringBack()
     const QVector<TrashedFile> files = mTrashed.takeLast();
     int done = 0;
     QString failed, back;
+    QVector<TrashedFile> kept; // another try may do better
     RunWithProgress(int(files.size()), [&](std::atomic<int>& progress) {
         for (int i = 0; i < files.size(); ++i) {
             progress = i;
@@ -149,9 +175,15 @@ void FileOperations::BringBack()
                 back = back.isEmpty() ? files.at(i).original : back;
             } catch (const Failure& failure) {
                 failed = failed.isEmpty() ? failure.Description() : failed;
+                if (StatPath(files.at(i).trashed).type != FileType::Missing) {
+                    kept.append(files.at(i));
+                }
             }
         }
     });
+    if (!kept.isEmpty()) {
+        mTrashed.prepend(kept); // behind what can come back now
+    }
     mView.RefreshFiles();
     if (const qsizetype at = mSession.lbFilTiffs.indexOf(back); at >= 0) {
         mView.MakeFileCurrent(int(at));
@@ -183,7 +215,7 @@ void FileOperations::RenameCurrent()
         return;
     }
     // The name may hold a separator, or the folder have none at its end to join a name to.
-    if (FolderOf(fresh) != WithSeparator(mSession.gsPath) || LeafName(fresh).isEmpty()) {
+    if (FolderOf(fresh) != FolderOf(old) || LeafName(fresh).isEmpty()) {
         mView.Tell(OperationText("%1 keeps its name: the new one is none of a file in this folder.")
                        .arg(ShownName(old)));
         return;

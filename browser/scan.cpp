@@ -10,6 +10,7 @@
 #include "search/search_ahead.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace quillane {
 
@@ -245,8 +246,27 @@ bool FolderScan::AddRows()
     return true;
 }
 
+void FolderScan::RowsReordered(const QVector<int>& order)
+{
+    if (!mScanning) {
+        return;
+    }
+    if (mRowOf.isEmpty()) {
+        mRowOf.resize(mSession.lbFilTiffs.size());
+        std::iota(mRowOf.begin(), mRowOf.end(), 0);
+    }
+    QVector<int> fresh(order.size());
+    for (int row = 0; row < order.size(); ++row) {
+        fresh[order.at(row)] = row;
+    }
+    for (int& row : mRowOf) {
+        row = row < fresh.size() ? fresh.at(row) : row;
+    }
+}
+
 bool FolderScan::FillTags()
 {
+    mRowOf.clear();
     TagColumns columns(mSession.lbFilTiffs, mSession.gsFileKeyword);
     while (!columns.AtEnd()) {
         if (EscPressed(kScanCanceled)) {
@@ -254,8 +274,8 @@ bool FolderScan::FillTags()
         }
         if (const std::optional<TagColumns::Row> row = columns.Next()) {
             mView.SetProgress(row->index);
-            mSession.gCurrentItem = row->index;
-            mView.SetRowTags(row->index, row->tags);
+            mSession.gCurrentItem = mRowOf.value(row->index, row->index);
+            mView.SetRowTags(mSession.gCurrentItem, row->tags);
         }
         if (!mPlatform.loop.Yield(mGeneration)) {
             return false;

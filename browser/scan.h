@@ -5,6 +5,7 @@
 #include "imaging/thumbs/thumbnail_scanner.h"
 #include "platform/platform.h"
 #include "search/evaluation.h"
+#include <QVector>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -32,6 +33,9 @@ public:
     /// without its last steps, and the newest request is scanned in its place.
     void BrowseImages(int mode);
     bool IsScanning() const { return mScanning; }
+    /// The first rows have another order, in lbFilTiffs too: row i is what row order[i] was. What a
+    /// running scan still finds out goes to the rows it belongs to.
+    void RowsReordered(const QVector<int>& order);
     /// Ends a running scan; nothing is scanned in its place.
     void Abandon();
 
@@ -55,6 +59,7 @@ private:
     bool mSearchOn = false;
     std::shared_ptr<const SearchQuestion> mSearch; ///< of the running scan; none: search is off
     bool mScanning = false;
+    QVector<int> mRowOf; ///< rows of the files whose tags are read, after a sort; else empty
     std::optional<int> mRequested;
     Generation mGeneration = 0;
 };

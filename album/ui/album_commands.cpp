@@ -76,8 +76,10 @@ void frmBrowserImageFileList::Save()
         spec.filter = kAlbumFilter;
         spec.save = true;
         QString path = mPlatform.dialogs.File(spec);
-        if (!path.isEmpty() && !LeafName(path).contains(u'.')) {
-            path += QStringLiteral(".ifl");
+        // Under another name it would be found neither here nor in the browser.
+        const QString extension = QStringLiteral(".ifl");
+        if (!path.isEmpty() && !path.endsWith(extension, Qt::CaseInsensitive)) {
+            path += extension;
             if (StatPath(path).type != FileType::Missing
                 && mPlatform.dialogs.Box(
                        tr("\"%1\" is there already. Replace it?").arg(LeafName(path)), spec.title,

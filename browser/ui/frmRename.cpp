@@ -13,6 +13,14 @@ namespace {
 
 constexpr int kNameLetters = 40; // as wide as so many, at first
 
+/// What the new name is joined to. A file of a sub-folder keeps its place.
+QString FolderOfNewName(const Session& session)
+{
+    const QString folder = FolderOf(session.gsFileName);
+    const QString shown = WithSeparator(session.gsPath);
+    return folder != shown && folder.startsWith(shown) ? folder : session.gsPath;
+}
+
 /// Why no file can have this name; empty when one can.
 QString RenameAdvice(const QString& name)
 {
@@ -68,7 +76,7 @@ frmRename::frmRename(Session& session, QWidget* parent)
 
 void frmRename::accept()
 {
-    mSession.gsNewName = JoinAsIs(mSession.gsPath, mName->text());
+    mSession.gsNewName = JoinAsIs(FolderOfNewName(mSession), mName->text());
     QDialog::accept();
 }
 

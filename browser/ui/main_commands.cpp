@@ -128,11 +128,13 @@ void frmBrowserMain::ConnectViews()
     ConnectCommand(mViews, &FolderViews::Reordered, this, mPlatform.dialogs,
                    [this](const QVector<int>& order) {
                        QList<QString> paths;
-                       paths.reserve(order.size());
+                       paths.reserve(mSession.lbFilTiffs.size());
                        for (const int from : order) {
                            paths.append(mSession.lbFilTiffs.value(from));
                        }
-                       mSession.lbFilTiffs = paths;
+                       // A scan that goes on, or was ended, has more of them than rows.
+                       mSession.lbFilTiffs = paths + mSession.lbFilTiffs.mid(paths.size());
+                       mScan.RowsReordered(order);
                        mSession.gImageListIndex = qint32(paths.indexOf(mSession.gsFileName));
                    });
     connect(&mLoader, &PreviewLoader::FactsReady, this, &frmBrowserMain::ShowFactsOf);
@@ -319,6 +321,9 @@ void frmBrowserMain::BrowseImages(int mode)
 void frmBrowserMain::ShowFiles(const QVector<QString>& paths)
 {
     mScan.Abandon();
+    // What happens in the folder does not concern them.
+    mPlatform.watch.Watch({});
+    mViews->ShowChanged(false);
     mSession.lbFilTiffs = paths;
     if (mViews->ThumbnailsShown()) {
         mViews->ClearGrid(mSession.gThumbnailWidth, mSession.gThumbnailHeight);
@@ -347,8 +352,7 @@ void frmBrowserMain::ShowFiles(const QVector<QString>& paths)
     for (const ScanRow& row : std::as_const(*rows)) {
         mViews->AddRow(row);
     }
-    mViews->FinishRows();
-    UpdateFileMenu();
+    FinishRows();
 }
 
 void frmBrowserMain::ChooseView(const ViewEntry& view)

@@ -31,7 +31,13 @@ void frmBrowserMain::UpdateFileMenu()
 
 void frmBrowserMain::CopyFileList()
 {
-    const QStringList paths = mViews->SelectedPaths();
+    QStringList paths;
+    const QVector<WalkFile> files =
+        SelectedFiles(mSession.lbFilTiffs, SelectedFlags(), mSession.gsPath);
+    paths.reserve(files.size());
+    for (const WalkFile& file : files) {
+        paths.append(file.path);
+    }
     if (!paths.isEmpty()) {
         QApplication::clipboard()->setMimeData(FileListMimeData(paths));
     }

@@ -108,6 +108,7 @@ void frmBrowserMain::SetRowTags(int row, const std::array<QString, 4>& tags)
 void frmBrowserMain::FinishRows()
 {
     mViews->FinishRows();
+    mViews->List()->SortRest();
     UpdateFileMenu();
 }
 

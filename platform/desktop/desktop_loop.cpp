@@ -8,12 +8,25 @@
 #include <QKeyEvent>
 #include <QLocale>
 #include <QWindow>
+#include <algorithm>
 
 namespace quillane {
 
 namespace {
 
 constexpr int kBetweenEvents = 8; // milliseconds a long action may run without a look at events
+
+/// Whether a dialog or a menu is open, which takes the Esc key for itself.
+bool EscIsTaken()
+{
+    if (QGuiApplication::modalWindow()) {
+        return true;
+    }
+    const QWindowList windows = QGuiApplication::topLevelWindows();
+    return std::any_of(windows.begin(), windows.end(), [](const QWindow* window) {
+        return window->type() == Qt::Popup && window->isVisible();
+    });
+}
 
 } // namespace
 
@@ -63,7 +76,7 @@ bool DesktopLoop::eventFilter(QObject*, QEvent* event)
 {
     // A press shows as ShortcutOverride first; either tells of it.
     if (event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride) {
-        if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        if (static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape && !EscIsTaken()) {
             mEscPressed = true;
             mEscDown = true;
         }

@@ -202,6 +202,9 @@ TrashedFile MoveToTrash(const QString& path, const QString& homeTrash)
                       QStringLiteral("%1 is a folder and stays where it is.").arg(ShownName(path)));
     }
     const QByteArray folder = TrashRealFolder(FolderOfBytes(bytes));
+    if (folder.isEmpty()) {
+        throw FailureFromErrno(errno, QStringLiteral("move to the trash"), path);
+    }
     const QByteArray real = folder + bytes.sliced(bytes.lastIndexOf('/') + 1);
     int error = 0;
     TrashedFile result;

@@ -30,6 +30,13 @@ protected:
     const Paths abc{QStringLiteral("/a"), QStringLiteral("/b"), QStringLiteral("/c")};
 };
 
+TEST(AlbumModel, LineEndsInANameAreSeen)
+{
+    EXPECT_EQ(ShortPath(QStringLiteral("/p/a\nb\tc.jpg")),
+              QStringLiteral("/p/a%1b%1c.jpg").arg(QChar(QChar::ReplacementCharacter)));
+    EXPECT_EQ(ShortPath(QStringLiteral("/p/é ü.jpg")), QStringLiteral("/p/é ü.jpg"));
+}
+
 } // namespace
 
 TEST_F(AlbumModelTest, ColumnsAreFilenameSizeAndModified)

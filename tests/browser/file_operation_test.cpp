@@ -40,7 +40,11 @@ protected:
         work();
         tick();
     }
-    void RefreshFiles() override { ++refreshed; }
+    void RefreshFiles() override
+    {
+        ++refreshed;
+        session.lbFilTiffs = afterScan.isEmpty() ? session.lbFilTiffs : afterScan;
+    }
     void FileRenamed(int position, const QString& path) override
     {
         renamed.append({position, path});
@@ -55,7 +59,7 @@ protected:
     FileOperations operations;
     QVector<bool> flags;
     QString picked = "/t/", newName, line;
-    QStringList captions;
+    QStringList captions, afterScan;
     QVector<std::pair<int, QString>> renamed;
     int maximum = -1, maximumInWalk = -1, progress = -1, refreshed = 0, current = -1;
 };
@@ -298,8 +302,52 @@ TEST_F(FileOperationTest, ACurrentFileOfAnotherFolderIsNotRenamed)
     EXPECT_TRUE(fakes.files.calls.isEmpty());
 }
 
+TEST_F(FileOperationTest, AFileOfASubFolderGetsItsNameWhereItStands)
+{
+    fakes.files.files.insert("/p/sub/d.jpg", "d");
+    session.lbFilTiffs.append("/p/sub/d.jpg");
+    session.gsFileName = "/p/sub/d.jpg";
+    session.gImageListIndex = 3;
+    newName = "/p/sub/e.jpg";
+    operations.FileOperation(kRenameFile);
+    EXPECT_EQ(fakes.files.calls.value(0), "rename /p/sub/d.jpg /p/sub/e.jpg");
+    EXPECT_EQ(session.lbFilTiffs.at(3), "/p/sub/e.jpg");
+    fakes.files.calls.clear();
+    newName = "/p/f.jpg"; // a rename moves nothing
+    operations.FileOperation(kRenameFile);
+    EXPECT_TRUE(fakes.files.calls.isEmpty());
+    EXPECT_TRUE(line.contains("keeps its name")) << line.toStdString();
+}
+
+TEST_F(FileOperationTest, TheNextFileInTheShownOrderIsCurrentAfterTheDeleteKey)
+{
+    // By size, say; the scan afterwards has the order of the folder again.
+    session.lbFilTiffs = {"/p/c.jpg", "/p/b.jpg", "/p/a.jpg"};
+    flags = {true, false, false};
+    afterScan = {"/p/a.jpg", "/p/b.jpg"};
+    operations.TrashSelected();
+    EXPECT_EQ(current, 1);
+}
+
+TEST_F(FileOperationTest, TheFileBeforeIsCurrentAfterTheDeleteKeyTookTheLastOnes)
+{
+    session.lbFilTiffs = {"/p/b.jpg", "/p/c.jpg", "/p/a.jpg"};
+    flags = {false, true, true};
+    afterScan = {"/p/0.jpg", "/p/b.jpg"};
+    operations.TrashSelected();
+    EXPECT_EQ(current, 1);
+}
+
+TEST_F(FileOperationTest, WhatTheScanNoLongerShowsIsNotMadeCurrentAfterTheDeleteKey)
+{
+    afterScan = {"/p/x.jpg", "/p/y.jpg"};
+    operations.TrashSelected();
+    EXPECT_EQ(current, -1); // the scan has chosen its first file
+}
+
 TEST_F(FileOperationTest, TheDeleteKeyMovesToTheTrashWithoutAsking)
 {
+    afterScan = {"/p/b.jpg"};
     operations.TrashSelected();
     EXPECT_TRUE(fakes.dialogs.Boxes().isEmpty());
     EXPECT_EQ(fakes.files.calls, (QStringList{"trash /p/a.jpg", "trash /p/c.jpg"}));

@@ -7,6 +7,7 @@
 
 #include <QImage>
 #include <QTemporaryDir>
+#include <functional>
 #include <gtest/gtest.h>
 
 namespace quillane {
@@ -31,6 +32,7 @@ public:
     QVector<std::array<QString, 4>> tags;
     std::array<QString, 4> captions;
     QStringList shown;
+    std::function<void()> onTags; ///< runs when a row has got its tags
 
     void SetPanel(int panel, const QString& text) override
     {
@@ -75,7 +77,13 @@ public:
         rows.append(row);
         tags.append(std::array<QString, 4>{});
     }
-    void SetRowTags(int row, const std::array<QString, 4>& values) override { tags[row] = values; }
+    void SetRowTags(int row, const std::array<QString, 4>& values) override
+    {
+        tags[row] = values;
+        if (onTags) {
+            onTags();
+        }
+    }
     void FinishRows() override { }
     int RowCount() const override { return int(rows.size()); }
     void SelectRow(int row) override { selectedRow = row; }

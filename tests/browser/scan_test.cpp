@@ -142,14 +142,18 @@ TEST_F(ScanTest, RowsHaveSizeTimeAndCaptions)
     EXPECT_EQ(view.captions, session.gsFileKeyword);
 }
 
-TEST_F(ScanTest, TagColumnsHoldTheValuesOfImageFiles)
+/// A GIF whose comment carries tags.
+QByteArray GifWithTags(const QByteArray& comment)
 {
-    // A GIF whose comment carries two tags.
-    const QByteArray comment = "Name=Ann\r\nCity=Rome\r\n";
     QByteArray gif("GIF89a\x01\x00\x01\x00\x80\x00\x00\x00\x00\x00\xff\xff\xff", 19);
     gif += QByteArray("\x21\xfe", 2) + char(comment.size()) + comment + char(0);
     gif += QByteArray("\x2c\x00\x00\x00\x00\x01\x00\x01\x00\x00\x02\x02\x44\x01\x00\x3b", 16);
-    Text(QStringLiteral("a.gif"), gif);
+    return gif;
+}
+
+TEST_F(ScanTest, TagColumnsHoldTheValuesOfImageFiles)
+{
+    Text(QStringLiteral("a.gif"), GifWithTags("Name=Ann\r\nCity=Rome\r\n"));
     Picture(QStringLiteral("b.bmp"));
     session.gsFileKeyword = {
         QStringLiteral("city"), QStringLiteral("Name"), QStringLiteral("Missing"), {}};
@@ -159,6 +163,35 @@ TEST_F(ScanTest, TagColumnsHoldTheValuesOfImageFiles)
     EXPECT_EQ(view.tags.at(0)[1], QStringLiteral("Ann"));
     EXPECT_EQ(view.tags.at(0)[2], QString());
     EXPECT_EQ(view.tags.at(1)[0], QString());
+}
+
+TEST_F(ScanTest, TagsGoToTheirFilesWhenTheRowsAreSortedMeanwhile)
+{
+    constexpr int kFiles = 6;
+    for (int i = 0; i < kFiles; ++i) {
+        Text(QStringLiteral("%1.gif").arg(i),
+             GifWithTags("City=" + QByteArray::number(i) + "\r\n"));
+    }
+    session.gsFileKeyword = {QStringLiteral("City"), {}, {}, {}};
+    // Turned round whenever a row has got its tags.
+    int turned = 0;
+    view.onTags = [&] {
+        QVector<int> order;
+        for (int row = kFiles - 1; row >= 0; --row) {
+            order.append(row);
+        }
+        std::reverse(session.lbFilTiffs.begin(), session.lbFilTiffs.end());
+        std::reverse(view.rows.begin(), view.rows.end());
+        std::reverse(view.tags.begin(), view.tags.end());
+        scan.RowsReordered(order);
+        ++turned;
+    };
+    scan.BrowseImages(kListMode);
+    EXPECT_EQ(turned, kFiles);
+    for (int row = 0; row < kFiles; ++row) {
+        EXPECT_EQ(view.tags.at(row)[0], LeafName(view.rows.at(row).path).first(1)) << row;
+        EXPECT_EQ(view.rows.at(row).path, session.lbFilTiffs.at(row));
+    }
 }
 
 TEST_F(ScanTest, EscWhileCollectingShowsItsOwnMessageAndWhatWasFound)

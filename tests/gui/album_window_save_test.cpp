@@ -79,6 +79,18 @@ TEST_F(AlbumFilesTest, SaveAsksBeforeItReplacesAFileOfTheCompletedName)
     ASSERT_EQ(fakes.dialogs.Boxes().size(), 2);
 }
 
+TEST_F(AlbumFilesTest, NameWithADotIsCompletedToo)
+{
+    session.lbExportList = {Small()};
+    Open();
+    ASSERT_TRUE(Rest());
+    SaveAs(Path(QStringLiteral("Trip 2.5")));
+    EXPECT_EQ(Bytes(Path(QStringLiteral("Trip 2.5.ifl"))), BytesFromPath(Small()) + "\r\n");
+    SaveAs(Path(QStringLiteral("B.IFL")));
+    EXPECT_EQ(Bytes(Path(QStringLiteral("B.IFL"))), BytesFromPath(Small()) + "\r\n");
+    EXPECT_TRUE(fakes.dialogs.Boxes().isEmpty());
+}
+
 TEST_F(AlbumFilesTest, CancelledSaveWritesNothing)
 {
     session.lbExportList = {Small()};

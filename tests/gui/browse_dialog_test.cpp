@@ -131,6 +131,18 @@ TEST_F(BrowseDialogTest, EnterSelects)
     EXPECT_EQ(session.browsePath, folder.Path("two/"));
 }
 
+TEST_F(BrowseDialogTest, EnterInTheTreeSelects)
+{
+    session.browsePath = folder.Path("two/");
+    Open();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return Button("cmdSelect")->isEnabled(); }, kWait));
+    EXPECT_EQ(dialog->focusWidget(), Tree());
+    QTest::keyClick(Tree(), Qt::Key_Return);
+    EXPECT_FALSE(dialog->isVisible());
+    EXPECT_EQ(dialog->result(), QDialog::Accepted);
+    EXPECT_EQ(session.browsePath, folder.Path("two/"));
+}
+
 TEST_F(BrowseDialogTest, ANewFolderIsNamedInPlaceAndSelected)
 {
     session.browsePath = folder.Path("two/");

@@ -203,6 +203,26 @@ TEST_F(FileOperationsTest, DeletePutsIntoTheTrashWithoutAQuestionAndCtrlZBringsB
     EXPECT_EQ(Line(), QStringLiteral("There is nothing to bring back."));
 }
 
+TEST_F(FileOperationsTest, WhatCouldNotComeBackComesBackWhenItCan)
+{
+    StartActive(3);
+    ClickCell(0);
+    Key(Qt::Key_Delete); // p0
+    Key(Qt::Key_Delete); // p1
+    Picture(Name(1));
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(Line().startsWith(QStringLiteral("0 of 1 file brought back")))
+        << Line().toStdString();
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(Exists(File(0)));
+    ASSERT_TRUE(RemoveFile(File(1)));
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_TRUE(Exists(File(1)));
+    EXPECT_EQ(InTrash(), 0);
+    Key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(Line(), QStringLiteral("There is nothing to bring back."));
+}
+
 TEST_F(FileOperationsTest, DeleteInAListTakesTheSelectedRows)
 {
     StartActive(3);
@@ -301,6 +321,19 @@ TEST_F(FileOperationsTest, FilesCopiedWithCtrlCArePastedIntoTheAlbum)
     QApplication::clipboard()->clear();
     EXPECT_FALSE(held.GetClipboardFiles());
     EXPECT_EQ(held.Count(), 0);
+}
+
+TEST_F(FileOperationsTest, CtrlCTakesNoPathThatDoesNotLieInTheShownFolder)
+{
+    StartActive(1);
+    QApplication::clipboard()->setText(QStringLiteral("before"));
+    // As "Show All Files" joins them.
+    session.gsPath = WithoutSeparator(folder);
+    session.lbFilTiffs = {session.gsPath + Name(0)};
+    SelectCells({0});
+    Key(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("before"));
+    QApplication::clipboard()->clear();
 }
 
 TEST_F(FileOperationsTest, TheProgressIsShownWhileFilesAreCopied)

@@ -1,6 +1,7 @@
 #include "album/ui/frmBrowserImageFileList.h"
 #include "gui/main_window_fixture.h"
 
+#include <QLabel>
 #include <QMenu>
 #include <QStatusBar>
 #include <QTableView>
@@ -59,6 +60,19 @@ TEST_F(MainWindowAlbumTest, EachEntryShowsTheOneAlbumWindow)
     EXPECT_EQ(windows.LoadedNames().count(QStringLiteral("frmBrowserImageFileList")), 1);
 }
 
+TEST_F(MainWindowAlbumTest, OwnedWindowsStayAboveTheBrowserAndDoNotBlockIt)
+{
+    Start();
+    for (const char* name : {"frmBrowserImageFileList", "frmLocate", "frmToolImageDisplay"}) {
+        const auto* window = qobject_cast<QWidget*>(windows.Get(QLatin1String(name)));
+        ASSERT_NE(window, nullptr) << name;
+        EXPECT_EQ(window->parentWidget(), main.get()) << name;
+        EXPECT_EQ(window->windowType(), Qt::Dialog) << name;
+        EXPECT_FALSE(window->isModal()) << name;
+        EXPECT_TRUE(window->windowFlags().testFlag(Qt::WindowMinMaxButtonsHint)) << name;
+    }
+}
+
 TEST_F(MainWindowAlbumTest, DoubleClickOnAnAlbumOpensIt)
 {
     Pictures(2);
@@ -88,6 +102,23 @@ TEST_F(MainWindowAlbumTest, TiledAlbumFillsTheBrowserAndClosesItsWindow)
     EXPECT_EQ(main->Panel(1), "Photo Album");
     EXPECT_EQ(main->Panel(3), "Total Images = 2");
     ASSERT_TRUE(QTest::qWaitFor([this] { return !Album(); }, kWait));
+}
+
+TEST_F(MainWindowAlbumTest, TiledAlbumIsNotCalledAFolderThatChanged)
+{
+    Pictures(3);
+    Start();
+    session.lbExportList = {folder + QStringLiteral("p2.bmp")};
+    Click("mnuPopShow");
+    ASSERT_TRUE(AlbumHas(1));
+    fakes.watch.Fire();
+    ASSERT_TRUE(Find<QLabel>("lblFolderChanged")->isVisible());
+    Album()->findChild<QAction*>(QStringLiteral("mnuTileImages"))->trigger();
+    EXPECT_FALSE(Find<QLabel>("lblFolderChanged")->isVisible());
+    EXPECT_EQ(fakes.watch.folder, QString());
+    Click("mnuRefresh"); // shows the folder again
+    EXPECT_EQ(session.lbFilTiffs.size(), 3);
+    EXPECT_EQ(fakes.watch.folder, folder);
 }
 
 TEST_F(MainWindowAlbumTest, OpenedTwiceItShowsTheSameRowsInTheSameOrder)

@@ -120,6 +120,20 @@ TEST_F(MainWindowTest, SortingByAHeadingReordersTheOneTruth)
     EXPECT_EQ(session.gImageListIndex, 1);
 }
 
+TEST_F(MainWindowTest, SortingWhileRowsComeKeepsTheFilesThatHaveNoneYet)
+{
+    Picture(QStringLiteral("a.bmp"), {40, 40});
+    Picture(QStringLiteral("b.bmp"), {2, 2});
+    Start();
+    Click("mnuMainViewTileBoxTileFilename3");
+    const QString later = folder + QStringLiteral("later.bmp");
+    session.lbFilTiffs.append(later);
+    List()->SortBy(kColumnSize, Qt::AscendingOrder);
+    EXPECT_EQ(session.lbFilTiffs,
+              (QList<QString>{folder + QStringLiteral("b.bmp"), folder + QStringLiteral("a.bmp"),
+                              later}));
+}
+
 TEST_F(MainWindowTest, SelectAllOfThePopupIsForTheGridAlone)
 {
     Pictures(3);

@@ -204,6 +204,22 @@ TEST_F(RenameDialogTest, ARenameThatFailsSaysWhyAndChangesNothing)
     EXPECT_TRUE(Line().contains(QStringLiteral("\"p0.bmp\""))) << Line().toStdString();
 }
 
+TEST_F(RenameDialogTest, AFileOfASubFolderStaysInIt)
+{
+    StartActive(1);
+    MakeFolder(In("sub"));
+    Picture(QStringLiteral("sub/deep.bmp"));
+    ASSERT_TRUE(Exists(In("sub/deep.bmp")));
+    session.lbFilTiffs.append(In("sub/deep.bmp"));
+    session.gsFileName = In("sub/deep.bmp");
+    session.gImageListIndex = 1;
+    Rename([&] { Click("mnuRename"); }, "new.bmp");
+    EXPECT_TRUE(Exists(In("sub/new.bmp")));
+    EXPECT_FALSE(Exists(In("new.bmp")));
+    EXPECT_EQ(session.gsFileName, In("sub/new.bmp"));
+    EXPECT_EQ(session.lbFilTiffs.last(), In("sub/new.bmp"));
+}
+
 TEST_F(RenameDialogTest, ANameThatIsNoTextStaysAsItIsWhereNobodyTypes)
 {
     const QByteArray odd = BytesFromPath(folder) + "a\xff\n.bmp";

@@ -375,6 +375,24 @@ TEST(FileListView, ALargeSetIsSortedAwayFromTheWindowThreadAndRowsThatComeMeanwh
     }
 }
 
+TEST(FileListView, RowsThatCameBehindASortAreSortedInByTheNext)
+{
+    FileListView list;
+    list.AddRows({{"/p/b.jpg", 1, 1, {}}, {"/p/d.jpg", 1, 1, {}}});
+    list.SortRest(); // no heading was clicked
+    list.SortBy(kColumnName, Qt::DescendingOrder);
+    list.AddRows({{"/p/c.jpg", 1, 1, {}}, {"/p/a.jpg", 1, 1, {}}});
+    EXPECT_EQ(list.PathAt(2), "/p/c.jpg");
+    list.SortRest();
+    EXPECT_EQ(list.PathAt(0), "/p/d.jpg");
+    EXPECT_EQ(list.PathAt(1), "/p/c.jpg");
+    EXPECT_EQ(list.PathAt(3), "/p/a.jpg");
+    list.Clear();
+    list.AddRows({{"/p/b.jpg", 1, 1, {}}, {"/p/d.jpg", 1, 1, {}}});
+    list.SortRest();
+    EXPECT_EQ(list.PathAt(0), "/p/b.jpg");
+}
+
 } // namespace
 
 } // namespace quillane

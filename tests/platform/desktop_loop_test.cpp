@@ -121,6 +121,23 @@ TEST_F(EscPoll, PressThatIsOnlyOfferedAsAShortcutCounts)
     EXPECT_TRUE(loop.PollEsc());
 }
 
+TEST_F(EscPoll, PressThatClosesADialogOrAMenuIsUsedUpByIt)
+{
+    QWindow dialog;
+    dialog.setModality(Qt::ApplicationModal);
+    QWindow menu;
+    menu.setFlag(Qt::Popup);
+    for (QWindow* open : {&dialog, &menu}) {
+        open->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(open));
+        QTest::keyClick(open, Qt::Key_Escape);
+        open->hide();
+        EXPECT_FALSE(loop.PollEsc());
+        QTest::keyClick(&window, Qt::Key_Escape);
+        EXPECT_TRUE(loop.PollEsc());
+    }
+}
+
 TEST_F(EscPoll, PressThatWaitsIsSeenByAYield)
 {
     const Generation run = loop.NewGeneration();

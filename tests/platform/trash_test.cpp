@@ -5,6 +5,8 @@
 #include "core/temp_folder.h"
 
 #include <QProcess>
+#include <array>
+#include <climits>
 
 namespace quillane {
 
@@ -161,6 +163,41 @@ TEST(Trash, AFileOrALinkInTheTrashsPlaceIsNoTrash)
         BringBackFromTrash(file); // there was one at the top of the volume
     }
     EXPECT_EQ(folder.Content("x.jpg"), "one");
+}
+
+TEST(Trash, AFileWhosePlaceIsTooDeepToBeToldStaysAndNoOtherGoesInsteadOfIt)
+{
+    const TempFolder folder;
+    folder.MakeFolder("here");
+    folder.Write("here/a.jpg", "another");
+    // Behind a link the path is short enough for the system; where the link leads is too long.
+    constexpr int kSteps = 12;
+    const QByteArray step = QByteArray(200, 'd') + '/';
+    folder.MakeFolder("far");
+    QByteArray far = "far/";
+    for (int i = 0; i < kSteps; ++i) {
+        folder.MakeFolder(far += step);
+    }
+    folder.Link(folder.Bytes(far), "link");
+    QByteArrayList made;
+    QByteArray deep = "link/";
+    for (int i = 0; i < kSteps; ++i) {
+        folder.MakeFolder(deep += step);
+        made.prepend(folder.Bytes(deep));
+    }
+    folder.Write(deep + "a.jpg", "deep");
+    std::array<char, PATH_MAX> before{};
+    ASSERT_NE(getcwd(before.data(), before.size()), nullptr);
+    ASSERT_EQ(chdir(folder.Bytes("here").constData()), 0);
+    EXPECT_NE(FailureOf([&] { MoveToTrash(folder.Path(deep + "a.jpg"), folder.Path("Trash")); }),
+              0);
+    EXPECT_EQ(chdir(before.data()), 0);
+    EXPECT_EQ(folder.Content("here/a.jpg"), "another");
+    EXPECT_EQ(folder.Content(deep + "a.jpg"), "deep");
+    EXPECT_EQ(unlink(folder.Bytes(deep + "a.jpg").constData()), 0);
+    for (const QByteArray& one : made) {
+        EXPECT_EQ(rmdir(one.constData()), 0); // nobody else finds the way
+    }
 }
 
 } // namespace

@@ -265,6 +265,13 @@ void FileListView::SortAgain()
     }
 }
 
+void FileListView::SortRest()
+{
+    if (mSortColumn >= 0) {
+        mSorter.Sort(SortInputOf(mRows, mSortColumn, mSortOrder));
+    }
+}
+
 void FileListView::Rename(int row, const QString& path, const QString& shown)
 {
     mRows.SetPath(row, path, shown);

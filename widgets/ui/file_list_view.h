@@ -71,6 +71,9 @@ public:
     /// Sorts by a column as a click on its heading does. Large sets are sorted on another thread;
     /// rowsReordered tells when the rows have moved.
     void SortBy(int column, Qt::SortOrder order);
+    /// Sorts once more by the heading that was clicked since the last Clear, if one was: rows or
+    /// texts have come since.
+    void SortRest();
     bool IsSorting() const;
     int SortColumn() const { return mSortColumn; } ///< -1 for none
     Qt::SortOrder SortDirection() const { return mSortOrder; }

@@ -284,6 +284,10 @@ void FolderTree::mouseDoubleClickEvent(QMouseEvent* event)
 void FolderTree::keyPressEvent(QKeyEvent* event)
 {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (enter && state() != EditingState && !mEnterOpens) {
+        event->ignore();
+        return;
+    }
     if (enter && state() != EditingState && currentIndex().isValid()) {
         setExpanded(currentIndex(), !isExpanded(currentIndex()));
         event->accept();

@@ -25,6 +25,9 @@ public:
     /// Shows files too, or folders alone.
     void SetShowFiles(bool on);
     bool ShowFiles() const;
+    /// Whether Enter opens and closes the selected folder, as at first, or is left to the dialog
+    /// around the tree.
+    void SetEnterOpens(bool on) { mEnterOpens = on; }
     /// Reads the open folders again; selection and what is open stay.
     void Refresh();
     /// Makes "New Folder" in the selected folder and selects it; with `edit` its name is typed in
@@ -60,8 +63,9 @@ private:
     Dialogs& mDialogs;
     FolderTreeModel* mModel;
     quint64 mTickets = 0;
-    quint64 mSelecting = 0;    ///< ticket of the selection on its way, 0 for none
-    bool mQuiet = false;       ///< the tree itself moves the current node
+    quint64 mSelecting = 0; ///< ticket of the selection on its way, 0 for none
+    bool mQuiet = false;    ///< the tree itself moves the current node
+    bool mEnterOpens = true;
     bool mEditNext = false;    ///< the folder being selected is a new one, to be named
     bool mKeepInSight = false; ///< folders above the selected one are still being read
 };

@@ -34,6 +34,7 @@ frmBrowse::frmBrowse(Session& session, Dialogs& dialogs, const QString& home, QW
     setSizeGripEnabled(true);
     mTree->setObjectName(QStringLiteral("FolderView1"));
     mTree->setAccessibleName(tr("Folders"));
+    mTree->SetEnterOpens(false); // it is the default button's
     mNewFolder->setToolTip(tr("Make a folder in the selected one"));
 
     // Until the tree has found what is selected in it there is nothing to go by.
