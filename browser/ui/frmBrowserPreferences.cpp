@@ -54,6 +54,20 @@ template <typename Options> void LeadTabToTheCheckedOne(const Options& options)
     }
 }
 
+/// A page of the tabs; a low screen shows a part of it.
+QScrollArea* OnLowScreensScrolled(QWidget* page)
+{
+    auto* area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(page);
+    // The page of the tab shows through.
+    area->viewport()->setAutoFillBackground(false);
+    page->setAutoFillBackground(false);
+    return area;
+}
+
 } // namespace
 
 frmBrowserPreferences::frmBrowserPreferences(Session& session, PreferencesTarget& target,
@@ -108,7 +122,7 @@ frmBrowserPreferences::frmBrowserPreferences(Session& session, PreferencesTarget
 
 QSize frmBrowserPreferences::FirstSize() const
 {
-    // Wide enough for the words of all tabs, high enough for all slots.
+    // Wide enough for the words of all tabs, high enough for each page.
     const QSize bar = mTabs->tabBar()->sizeHint();
     const QMargins margins = layout()->contentsMargins();
     int page = 0;
@@ -177,7 +191,7 @@ QWidget* frmBrowserPreferences::MakeFileTab()
     layout->addWidget(MakeListFrame());
     layout->addWidget(MakeKeywordFrame());
     layout->addStretch();
-    return tab;
+    return OnLowScreensScrolled(tab);
 }
 
 QWidget* frmBrowserPreferences::MakeVideoFrame()
@@ -212,7 +226,7 @@ QWidget* frmBrowserPreferences::MakeImagingTab()
     layout->addWidget(saving);
     layout->addWidget(MakeVideoFrame());
     layout->addStretch();
-    return tab;
+    return OnLowScreensScrolled(tab);
 }
 
 QWidget* frmBrowserPreferences::MakeSlot(const char* kind, int number, SlotRow& row)
@@ -269,16 +283,7 @@ QWidget* frmBrowserPreferences::MakeSlotTab(const char* kind, Four<SlotRow>& row
         layout->addWidget(MakeSlot(kind, i, rows[size_t(i)]));
     }
     layout->addStretch();
-    // A low screen shows a part of the four.
-    auto* area = new QScrollArea;
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setFocusPolicy(Qt::NoFocus);
-    area->setWidget(inside);
-    // The page of the tab shows through.
-    area->viewport()->setAutoFillBackground(false);
-    inside->setAutoFillBackground(false);
-    return area;
+    return OnLowScreensScrolled(inside);
 }
 
 void frmBrowserPreferences::Load()

@@ -12,6 +12,7 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QMenuBar>
+#include <QScreen>
 #include <QShortcut>
 #include <QSplitter>
 #include <QStyle>
@@ -22,6 +23,7 @@ namespace quillane {
 namespace {
 
 constexpr QSize kLocateSize(860, 520); // logical pixels
+constexpr int kLocateTitle = 30;       // logical pixels, what the desktop puts above a window
 constexpr int kChoicesWidth = 280;     // logical pixels, of the left half at first
 
 template <typename Kind> Kind* NameControl(Kind* control, const char* name, const QString& spoken)
@@ -137,7 +139,7 @@ void frmLocate::Build()
     all->addWidget(halves, 1);
     all->addWidget(Status);
     setCentralWidget(content);
-    resize(kLocateSize);
+    resize(kLocateSize.boundedTo(screen()->availableSize() - QSize(0, kLocateTitle)));
     EnableActions();
 }
 

@@ -9,6 +9,7 @@
 
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QScreen>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -17,6 +18,7 @@ namespace quillane {
 namespace {
 
 constexpr QSize kTagEditSize(820, 520); // logical pixels
+constexpr int kTagEditTitle = 30;       // logical pixels, what the desktop puts above a window
 
 } // namespace
 
@@ -81,7 +83,7 @@ void frmToolTagEdit::Build()
     auto* all = new QVBoxLayout(this);
     all->addWidget(halves, 1);
     all->addLayout(buttons);
-    resize(kTagEditSize);
+    resize(kTagEditSize.boundedTo(screen()->availableSize() - QSize(0, kTagEditTitle)));
     txtTags->setFocus();
 }
 

@@ -62,15 +62,35 @@ private:
     }
 };
 
-Failure SpawnFailure(int error, const QString& program)
+bool FolderMayBeEntered(const QByteArray& path)
+{
+    return ::faccessat(AT_FDCWD, path.constData(), X_OK, AT_EACCESS) == 0;
+}
+
+Failure SpawnFailure(int error, const QString& program, const QString& folder)
 {
     switch (error) {
     case ENOENT:
     case ENOTDIR:
+        if (StatPath(program).type == FileType::Regular) {
+            return {kFailureNoFile,
+                    QStringLiteral("%1 needs another program to run, which is not there; a script "
+                                   "names it in its first line.")
+                        .arg(program)};
+        }
         return {kFailureNoFile, QStringLiteral("There is no program %1.").arg(program)};
     case EACCES:
     case EPERM:
+        if (!folder.isEmpty() && !FolderMayBeEntered(BytesFromPath(folder))) {
+            return {kFailureDenied,
+                    QStringLiteral("The folder %1 may not be entered.").arg(folder)};
+        }
         return {kFailureDenied, QStringLiteral("%1 may not be run as a program.").arg(program)};
+    case ENOEXEC:
+        return {kFailureGeneral,
+                QStringLiteral("%1 is no program that this computer can run. A script needs a "
+                               "first line such as \"#!/bin/sh\".")
+                    .arg(program)};
     default:
         return {kFailureGeneral,
                 QStringLiteral("%1 could not be started: %2.")
@@ -103,7 +123,7 @@ pid_t Spawn(const QString& program, const QList<QByteArray>& arguments, const QS
     const int error =
         ::posix_spawn(&child, argv.front(), &plan.actions, &plan.attributes, argv.data(), environ);
     if (error != 0) {
-        throw SpawnFailure(error, program);
+        throw SpawnFailure(error, program, folder);
     }
     return child;
 }

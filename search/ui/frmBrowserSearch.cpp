@@ -6,6 +6,8 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
 #include <QTabBar>
 #include <QVBoxLayout>
 
@@ -28,6 +30,7 @@ constexpr int kSearchRows = 4;
 constexpr int kPersonalTab = 1;
 constexpr int kLeastKeywordWidth = 180; // logical pixels
 constexpr int kLeastNumberWidth = 90;
+constexpr int kSearchTitle = 30; // logical pixels, what the desktop puts above a window
 
 /// A text box of a row, named by its array and its index in it.
 QLineEdit* RowBox(const char* name, int index, const QString& spoken, const QString& tip)
@@ -59,13 +62,18 @@ frmBrowserSearch::frmBrowserSearch(Session& session, SettingsStore& store, Searc
     SSTab1->setObjectName(QStringLiteral("SSTab1"));
     SSTab1->setAccessibleName(tr("Kinds of search"));
     SSTab1->tabBar()->setAccessibleName(tr("Kinds of search"));
-    SSTab1->addTab(BuildPage(), QStringLiteral("Custom Search"));
+    QScrollArea* page = BuildPage();
+    SSTab1->addTab(page, QStringLiteral("Custom Search"));
     SSTab1->addTab(new QWidget, QStringLiteral("(Personal Information"));
 
     auto* all = new QVBoxLayout(this);
     all->setMenuBar(mBar);
     all->addWidget(SSTab1, 1);
     all->addWidget(BuildButtons());
+    // As high as its rows, or as the screen.
+    const QSize more = page->widget()->sizeHint() - page->sizeHint();
+    resize((sizeHint() + more.expandedTo({}))
+               .boundedTo(screen()->availableSize() - QSize(0, kSearchTitle)));
 
     const auto command = [this](const char* name, auto&& action) {
         ConnectCommand(mMenus.Action(QLatin1String(name)), &QAction::triggered, this,
@@ -82,14 +90,23 @@ frmBrowserSearch::frmBrowserSearch(Session& session, SettingsStore& store, Searc
     mNumeric[0].check->setFocus();
 }
 
-QWidget* frmBrowserSearch::BuildPage()
+QScrollArea* frmBrowserSearch::BuildPage()
 {
     auto* page = new QWidget;
     auto* layout = new QVBoxLayout(page);
     layout->addWidget(BuildNumericFrame());
     layout->addWidget(BuildTextFrame());
     layout->addStretch();
-    return page;
+    // A low screen shows a part of the rows, and the buttons all the same.
+    auto* area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(page);
+    // The page of the tab shows through.
+    area->viewport()->setAutoFillBackground(false);
+    page->setAutoFillBackground(false);
+    return area;
 }
 
 QCheckBox* frmBrowserSearch::AddCheck(const char* name, int index, int mnemonic,

@@ -12,6 +12,7 @@
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QScrollArea>
 #include <QTabWidget>
 #include <array>
 
@@ -46,7 +47,7 @@ private:
     };
     void LoadForm();
     void SaveForm();
-    QWidget* BuildPage();
+    QScrollArea* BuildPage();
     QGroupBox* BuildNumericFrame();
     QGroupBox* BuildTextFrame();
     QWidget* BuildButtons();

@@ -6,6 +6,7 @@
 #include "widgets/ui/frmBrowse.h"
 
 #include <QLineEdit>
+#include <QScreen>
 
 namespace quillane {
 
@@ -47,6 +48,14 @@ protected:
     Session session;
     std::unique_ptr<frmBrowse> dialog;
 };
+
+TEST_F(BrowseDialogTest, OpensNoLargerThanTheScreen)
+{
+    const QSize low(683, 384);
+    EXPECT_LT(frmBrowse::FirstSizeIn(low).height(), low.height());
+    Open();
+    EXPECT_EQ(dialog->size(), frmBrowse::FirstSizeIn(dialog->screen()->availableSize()));
+}
 
 TEST_F(BrowseDialogTest, OpensOnTheLastFolderWithFoldersAlone)
 {

@@ -8,6 +8,7 @@
 
 #include <QClipboard>
 #include <QGroupBox>
+#include <QScreen>
 #include <QScrollBar>
 #include <gtest/gtest.h>
 
@@ -101,6 +102,14 @@ TEST_F(LocatorWindowTest, HasItsWordsAndBeginsInTheBrowsersFolder)
     EXPECT_EQ(window->focusWidget(), Find<QLineEdit>("Text1"));
     EXPECT_FALSE(window->IsSearching());
     EXPECT_EQ(fakes.loop.HourglassDepth(), 0);
+}
+
+TEST_F(LocatorWindowTest, OpensNoLargerThanTheScreen)
+{
+    Open();
+    const QSize room = window->screen()->availableSize();
+    EXPECT_LE(window->width(), room.width());
+    EXPECT_LT(window->height(), room.height());
 }
 
 TEST_F(LocatorWindowTest, TheCaptionGetsItsLetterWhenTheWindowOpens)

@@ -17,6 +17,35 @@ TEST_F(PreferencesWindowTest, IsAModalDialogUnderItsCaption)
     });
 }
 
+TEST_F(PreferencesWindowTest, OnALowScreenEveryTabScrollsAndTheButtonStaysInSight)
+{
+    Pictures(1);
+    Start();
+    Preferences([&](QDialog& dialog) {
+        const QSize low(512, 300);
+        auto* close = In<QPushButton>(dialog, "cmdClose");
+        const char* lastOfTab[] = {"txtKeyword4", "optVideoTool(1)", "txtCustomToolPath(3)",
+                                   "txtCustomAppPath(3)"};
+        for (int tab = kFileTab; tab <= kApplicationsTab; ++tab) {
+            Tab(dialog, tab);
+            dialog.resize(low);
+            QCoreApplication::processEvents();
+            EXPECT_EQ(dialog.size(), low) << tab;
+            EXPECT_EQ(close->visibleRegion().boundingRect(), close->rect()) << tab;
+            auto* last = In<QWidget>(dialog, lastOfTab[tab]);
+            In<QTabWidget>(dialog, "tabPreferences")->setFocus();
+            for (int i = 0; i < 40 && !last->hasFocus(); ++i) {
+                QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
+                if (tab == kImagingTab && In<QWidget>(dialog, "optVideoTool(0)")->hasFocus()) {
+                    QTest::keyClick(dialog.focusWidget(), Qt::Key_Down);
+                }
+            }
+            EXPECT_TRUE(last->hasFocus()) << tab;
+            EXPECT_FALSE(last->visibleRegion().isEmpty()) << tab;
+        }
+    });
+}
+
 TEST_F(PreferencesWindowTest, ShowsWhatIsInForce)
 {
     Store("Settings", "lvSelected.GridLines", "True");

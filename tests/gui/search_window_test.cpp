@@ -49,6 +49,40 @@ TEST_F(SearchWindowTest, HasItsCaptionsFaultsIncluded)
     });
 }
 
+TEST_F(SearchWindowTest, OnALowScreenEveryControlIsReachedAndTheButtonsStayInSight)
+{
+    Start();
+    InSearch([&](QDialog& dialog) {
+        const QSize low(512, 320);
+        dialog.resize(low);
+        QCoreApplication::processEvents();
+        EXPECT_EQ(dialog.size(), low);
+        for (const char* name : {"cmdReset", "cmdOkay", "cmdCancel"}) {
+            auto* button = In<QPushButton>(dialog, name);
+            EXPECT_EQ(button->visibleRegion().boundingRect(), button->rect()) << name;
+        }
+        In<QCheckBox>(dialog, "chkNumeric(0)")->setFocus();
+        auto* last = Box(dialog, "txtCharacterInfo(3)");
+        EXPECT_TRUE(last->visibleRegion().isEmpty());
+        for (int i = 0; i < 40 && !last->hasFocus(); ++i) {
+            QTest::keyClick(dialog.focusWidget(), Qt::Key_Tab);
+        }
+        EXPECT_TRUE(last->hasFocus());
+        EXPECT_FALSE(last->visibleRegion().isEmpty());
+    });
+}
+
+TEST_F(SearchWindowTest, OpensAsHighAsItsRows)
+{
+    Start();
+    InSearch([&](QDialog& dialog) {
+        for (const char* name : {"txtNumericInfoHigh(0)", "txtCharacterInfo(3)"}) {
+            auto* box = Box(dialog, name);
+            EXPECT_EQ(box->visibleRegion().boundingRect(), box->rect()) << name;
+        }
+    });
+}
+
 TEST_F(SearchWindowTest, EachControlIsReachedByTabAndHasWords)
 {
     Start();

@@ -5,6 +5,7 @@
 #include "platform/fake/fake_platform.h"
 
 #include <QGroupBox>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -61,6 +62,15 @@ protected:
     Session session;
     std::unique_ptr<frmToolTagEdit> window;
 };
+
+TEST_F(TagEditorTest, OpensNoLargerThanTheScreen)
+{
+    Take(QStringLiteral("AST_0101.JPG"));
+    Open();
+    const QSize room = window->screen()->availableSize();
+    EXPECT_LE(window->width(), room.width());
+    EXPECT_LT(window->height(), room.height());
+}
 
 TEST_F(TagEditorTest, ShowsTheDescriptionBesideThePicture)
 {

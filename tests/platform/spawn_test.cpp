@@ -88,6 +88,54 @@ TEST(SpawnDetached, RefusesAFolderThatMayNotBeEntered)
     EXPECT_NE(FailureOf([&] { SpawnDetached("/bin/sh", {}, folder.Path("closed")); }), 0);
 }
 
+QString WordsOfStart(const QString& program, const QString& folder = {})
+{
+    try {
+        SpawnDetached(program, {}, folder);
+    } catch (const Failure& failure) {
+        return failure.Description();
+    }
+    return {};
+}
+
+TEST(SpawnDetached, BlamesTheFolderThatMayNotBeEnteredAndNotTheProgram)
+{
+    const TempFolder folder;
+    folder.MakeFolder("closed");
+    folder.Chmod("closed", 0);
+    const Unprivileged person;
+    EXPECT_EQ(WordsOfStart("/bin/sh", folder.Path("closed")),
+              "The folder " + folder.Path("closed") + " may not be entered.");
+}
+
+TEST(SpawnDetached, SaysThatAScriptsInterpreterIsMissing)
+{
+    const TempFolder folder;
+    folder.Write("from elsewhere.sh", "#!/bin/sh\r\nexit 0\r\n");
+    folder.Chmod("from elsewhere.sh", 0755);
+    folder.Write("script", "#!/absent/interpreter\n");
+    folder.Chmod("script", 0755);
+    for (const char* name : {"from elsewhere.sh", "script"}) {
+        EXPECT_EQ(WordsOfStart(folder.Path(name)),
+                  folder.Path(name)
+                      + " needs another program to run, which is not there; a "
+                        "script names it in its first line.");
+    }
+    EXPECT_EQ(WordsOfStart(folder.Path("absent")),
+              "There is no program " + folder.Path("absent") + ".");
+}
+
+TEST(SpawnDetached, SaysWhatAScriptWithoutAFirstLineLacks)
+{
+    const TempFolder folder;
+    folder.Write("script", "exit 0\n");
+    folder.Chmod("script", 0755);
+    EXPECT_EQ(WordsOfStart(folder.Path("script")),
+              folder.Path("script")
+                  + " is no program that this computer can run. A script needs "
+                    "a first line such as \"#!/bin/sh\".");
+}
+
 // Writes who it is: process, session, blocked signals; then ends.
 void WriteSelfPortrait(const TempFolder& folder)
 {

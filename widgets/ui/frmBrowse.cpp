@@ -4,13 +4,15 @@
 #include "widgets/ui/folder_tree.h"
 
 #include <QHBoxLayout>
+#include <QScreen>
 #include <QVBoxLayout>
 
 namespace quillane {
 
 namespace {
 
-constexpr QSize kFirstSize{420, 480}; // pixels
+constexpr QSize kFirstSize{420, 480}; // logical pixels
+constexpr int kBrowseTitle = 30;      // what the desktop puts above a window
 
 QPushButton* BrowseButton(const char* name, const QString& caption)
 {
@@ -55,10 +57,15 @@ frmBrowse::frmBrowse(Session& session, Dialogs& dialogs, const QString& home, QW
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(mTree, 1);
     layout->addLayout(buttons);
-    resize(kFirstSize);
+    resize(FirstSizeIn(screen()->availableSize()));
     mTree->setFocus();
     mTree->Select(session.browsePath.isEmpty() ? WithoutSeparator(home)
                                                : WithoutSeparator(session.browsePath));
+}
+
+QSize frmBrowse::FirstSizeIn(const QSize& room)
+{
+    return kFirstSize.boundedTo(room - QSize(0, kBrowseTitle));
 }
 
 void frmBrowse::PickFiles(const QString& selected)

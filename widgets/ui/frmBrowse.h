@@ -19,6 +19,8 @@ public:
     /// Shows files in the tree, selects this one and takes "New Folder" away.
     void PickFiles(const QString& selected);
     FolderTree* Tree() const { return mTree; }
+    /// The size it opens with where the desktop leaves that room; logical pixels.
+    static QSize FirstSizeIn(const QSize& room);
 
 public Q_SLOTS:
     void reject() override;
