@@ -1,5 +1,6 @@
 // The album window's controls, its load and its end.
 #include "album/ui/frmBrowserImageFileList.h"
+#include "platform/ui/window_room.h"
 
 #include "album/album_clip.h"
 #include "album/album_menu.h"
@@ -137,7 +138,7 @@ void frmBrowserImageFileList::Build()
     statusBar()->setObjectName(QStringLiteral("StatusBar1"));
     statusBar()->addPermanentWidget(new QLabel(tr("Total files:")));
     statusBar()->addPermanentWidget(mTotal);
-    resize(kAlbumWindowSize);
+    resize(kAlbumWindowSize.boundedTo(WindowRoom(*this)));
 }
 
 void frmBrowserImageFileList::BuildHint()

@@ -1,5 +1,6 @@
 // Startup, shutdown, settings.
 #include "browser/ui/frmBrowserMain.h"
+#include "platform/ui/window_room.h"
 
 #include "browser/about_text.h"
 #include "browser/filter.h"
@@ -19,7 +20,6 @@ namespace {
 
 constexpr QSize kLeastPreferred{1180, 780}; // pixels
 constexpr double kPreferredShare = 0.62;    // of a large screen
-constexpr int kTitleHeight = 30;            // what the desktop puts above a window, counted with it
 constexpr int kLeastWidth = 640;
 constexpr int kLeastHeight = 440;
 constexpr int kWelcomePicture = 12;
@@ -161,9 +161,9 @@ void frmBrowserMain::ArrangeMainWindow()
     const QRect available = onScreen->availableGeometry();
     const QSize size = (available.size() * kPreferredShare).expandedTo(kLeastPreferred);
     const QRect wanted(PixelsOfTwips(mSettings.left), PixelsOfTwips(mSettings.top), size.width(),
-                       size.height() + kTitleHeight);
+                       size.height() + kWindowTitle);
     const QRect fitted = FitToScreen(wanted, available.size());
-    resize(fitted.width(), fitted.height() - kTitleHeight);
+    resize(fitted.width(), fitted.height() - kWindowTitle);
     move(fitted.topLeft() + available.topLeft());
     ArrangeLeftPane();
     SetSearchOn(false);

@@ -2,13 +2,13 @@
 
 #include "core/numbers.h"
 #include "platform/ui/command_connector.h"
+#include "platform/ui/window_room.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
-#include <QScreen>
 #include <QScrollArea>
 #include <QTabBar>
 #include <QVBoxLayout>
@@ -20,8 +20,7 @@ namespace {
 
 constexpr int kNumberWidth = 90; // logical pixels
 constexpr QSize kPreferencesSize{620, 540};
-constexpr int kTabSlack = 16;         // what styles put before the first tab and behind the last
-constexpr int kPreferencesTitle = 30; // what the desktop puts above a window
+constexpr int kTabSlack = 16; // what styles put before the first tab and behind the last
 
 QString IndexedName(const char* name, int index)
 {
@@ -132,8 +131,7 @@ QSize frmBrowserPreferences::FirstSize() const
     const int buttons = layout()->itemAt(1)->sizeHint().height() + layout()->spacing();
     const QSize whole(bar.width() + margins.left() + margins.right() + kTabSlack,
                       bar.height() + page + buttons + margins.top() + margins.bottom() + kTabSlack);
-    return kPreferencesSize.expandedTo(whole).boundedTo(screen()->availableSize()
-                                                        - QSize(0, kPreferencesTitle));
+    return kPreferencesSize.expandedTo(whole).boundedTo(WindowRoom(*this));
 }
 
 QWidget* frmBrowserPreferences::MakeThumbnailFrame()

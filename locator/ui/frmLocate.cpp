@@ -5,6 +5,7 @@
 #include "locator/ui/status_line.h"
 #include "platform/file_list_mime.h"
 #include "platform/ui/command_connector.h"
+#include "platform/ui/window_room.h"
 #include "widgets/mounted_volumes.h"
 
 #include <QApplication>
@@ -12,7 +13,6 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QMenuBar>
-#include <QScreen>
 #include <QShortcut>
 #include <QSplitter>
 #include <QStyle>
@@ -23,7 +23,6 @@ namespace quillane {
 namespace {
 
 constexpr QSize kLocateSize(860, 520); // logical pixels
-constexpr int kLocateTitle = 30;       // logical pixels, what the desktop puts above a window
 constexpr int kChoicesWidth = 280;     // logical pixels, of the left half at first
 
 template <typename Kind> Kind* NameControl(Kind* control, const char* name, const QString& spoken)
@@ -139,7 +138,7 @@ void frmLocate::Build()
     all->addWidget(halves, 1);
     all->addWidget(Status);
     setCentralWidget(content);
-    resize(kLocateSize.boundedTo(screen()->availableSize() - QSize(0, kLocateTitle)));
+    resize(kLocateSize.boundedTo(WindowRoom(*this)));
     EnableActions();
 }
 

@@ -6,10 +6,10 @@
 #include "imaging/comments/slots.h"
 #include "platform/run_aside.h"
 #include "platform/ui/command_connector.h"
+#include "platform/ui/window_room.h"
 
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QScreen>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -18,7 +18,6 @@ namespace quillane {
 namespace {
 
 constexpr QSize kTagEditSize(820, 520); // logical pixels
-constexpr int kTagEditTitle = 30;       // logical pixels, what the desktop puts above a window
 
 } // namespace
 
@@ -83,7 +82,7 @@ void frmToolTagEdit::Build()
     auto* all = new QVBoxLayout(this);
     all->addWidget(halves, 1);
     all->addLayout(buttons);
-    resize(kTagEditSize.boundedTo(screen()->availableSize() - QSize(0, kTagEditTitle)));
+    resize(kTagEditSize.boundedTo(WindowRoom(*this)));
     txtTags->setFocus();
 }
 

@@ -1,12 +1,12 @@
 #include "search/ui/frmBrowserSearch.h"
 
 #include "platform/ui/command_connector.h"
+#include "platform/ui/window_room.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QScreen>
 #include <QScrollArea>
 #include <QTabBar>
 #include <QVBoxLayout>
@@ -30,7 +30,6 @@ constexpr int kSearchRows = 4;
 constexpr int kPersonalTab = 1;
 constexpr int kLeastKeywordWidth = 180; // logical pixels
 constexpr int kLeastNumberWidth = 90;
-constexpr int kSearchTitle = 30; // logical pixels, what the desktop puts above a window
 
 /// A text box of a row, named by its array and its index in it.
 QLineEdit* RowBox(const char* name, int index, const QString& spoken, const QString& tip)
@@ -72,8 +71,7 @@ frmBrowserSearch::frmBrowserSearch(Session& session, SettingsStore& store, Searc
     all->addWidget(BuildButtons());
     // As high as its rows, or as the screen.
     const QSize more = page->widget()->sizeHint() - page->sizeHint();
-    resize((sizeHint() + more.expandedTo({}))
-               .boundedTo(screen()->availableSize() - QSize(0, kSearchTitle)));
+    resize((sizeHint() + more.expandedTo({})).boundedTo(WindowRoom(*this)));
 
     const auto command = [this](const char* name, auto&& action) {
         ConnectCommand(mMenus.Action(QLatin1String(name)), &QAction::triggered, this,

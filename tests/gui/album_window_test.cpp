@@ -1,6 +1,16 @@
 #include "gui/album_window_fixture.h"
 
+#include <QScreen>
+
 namespace quillane {
+
+TEST_F(AlbumWindowTest, OpensNoLargerThanTheScreen)
+{
+    Open();
+    const QSize room = album->screen()->availableSize();
+    EXPECT_LE(album->width(), room.width());
+    EXPECT_LT(album->height(), room.height());
+}
 
 TEST_F(AlbumWindowTest, BeginsEmptyWithRowsInSight)
 {

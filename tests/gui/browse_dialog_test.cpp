@@ -42,6 +42,17 @@ protected:
         Tree()->Select(folder.Path(name));
         ASSERT_TRUE(Selected(name));
     }
+    /// Asks for a new folder: the box for its name, nothing when none comes.
+    QLineEdit* NewFolder() const
+    {
+        QTest::mouseClick(Button("cmdNewFolder"), Qt::LeftButton);
+        QLineEdit* editor = nullptr;
+        const auto comes = [&] {
+            editor = Tree()->viewport()->findChild<QLineEdit*>();
+            return editor != nullptr;
+        };
+        return QTest::qWaitFor(comes, kWait) ? editor : nullptr;
+    }
 
     TempFolder folder;
     FakeDialogs boxes;
@@ -157,14 +168,8 @@ TEST_F(BrowseDialogTest, ANewFolderIsNamedInPlaceAndSelected)
     session.browsePath = folder.Path("two/");
     Open();
     ASSERT_TRUE(Selected("two"));
-    QTest::mouseClick(Button("cmdNewFolder"), Qt::LeftButton);
-    QLineEdit* editor = nullptr;
-    ASSERT_TRUE(QTest::qWaitFor(
-        [&] {
-            editor = Tree()->viewport()->findChild<QLineEdit*>();
-            return editor != nullptr;
-        },
-        kWait));
+    QLineEdit* const editor = NewFolder();
+    ASSERT_NE(editor, nullptr);
     EXPECT_EQ(session.browsePath, folder.Path("two/New Folder/"));
     Retype(editor, "Holiday");
     QTest::keyClick(editor, Qt::Key_Return);
@@ -180,14 +185,8 @@ TEST_F(BrowseDialogTest, SelectWhileANewFolderIsNamedTakesTheNameAlong)
     session.browsePath = folder.Path("two/");
     Open();
     ASSERT_TRUE(Selected("two"));
-    QTest::mouseClick(Button("cmdNewFolder"), Qt::LeftButton);
-    QLineEdit* editor = nullptr;
-    ASSERT_TRUE(QTest::qWaitFor(
-        [&] {
-            editor = Tree()->viewport()->findChild<QLineEdit*>();
-            return editor != nullptr;
-        },
-        kWait));
+    QLineEdit* const editor = NewFolder();
+    ASSERT_NE(editor, nullptr);
     Retype(editor, "Holiday");
     QTest::mouseClick(Button("cmdSelect"), Qt::LeftButton);
     EXPECT_FALSE(dialog->isVisible());

@@ -1,7 +1,6 @@
-#include "platform/desktop/file_service.h"
+#include "platform/file_service_fixture.h"
 
 #include "core/expect_failure.h"
-#include "core/temp_folder.h"
 #include "core/unprivileged.h"
 
 #include <array>
@@ -10,40 +9,6 @@
 namespace quillane {
 
 namespace {
-
-class FileServiceTest : public testing::Test {
-protected:
-    FileServiceTest() : service(folder.Path("Trash"))
-    {
-        folder.MakeFolder("a");
-        folder.MakeFolder("b");
-    }
-    QString Path(const char* name) const { return folder.Path(name); }
-    struct stat Stat(const char* name) const
-    {
-        struct stat found { };
-        EXPECT_EQ(lstat(folder.Bytes(name).constData(), &found), 0) << name;
-        return found;
-    }
-    bool Exists(const char* name) const
-    {
-        struct stat found { };
-        return lstat(folder.Bytes(name).constData(), &found) == 0;
-    }
-    QStringList Names(const char* in) const
-    {
-        QStringList names;
-        ListFolder(Path(in), [&](DirEntry&& entry) {
-            names.append(entry.name);
-            return true;
-        });
-        names.sort();
-        return names;
-    }
-
-    TempFolder folder;
-    DesktopFileService service;
-};
 
 TEST_F(FileServiceTest, ACopyHasContentPermissionsTimesAndAttributes)
 {

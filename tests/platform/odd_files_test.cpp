@@ -1,8 +1,7 @@
 // What the file operations do with everything that is no plain photograph in a plain folder.
 #include "core/expect_failure.h"
-#include "core/temp_folder.h"
 #include "core/unprivileged.h"
-#include "platform/desktop/file_service.h"
+#include "platform/file_service_fixture.h"
 
 #include <array>
 #include <sys/socket.h>
@@ -13,35 +12,8 @@ namespace quillane {
 
 namespace {
 
-class OddFilesTest : public testing::Test {
+class OddFilesTest : public FileServiceTest {
 protected:
-    OddFilesTest() : service(folder.Path("Trash"))
-    {
-        folder.MakeFolder("a");
-        folder.MakeFolder("b");
-    }
-    QString Path(const char* name) const { return folder.Path(name); }
-    struct stat Stat(const QByteArray& name) const
-    {
-        struct stat found { };
-        EXPECT_EQ(lstat(folder.Bytes(name).constData(), &found), 0) << name.constData();
-        return found;
-    }
-    bool Exists(const QByteArray& name) const
-    {
-        struct stat found { };
-        return lstat(folder.Bytes(name).constData(), &found) == 0;
-    }
-    QStringList Names(const char* in) const
-    {
-        QStringList names;
-        ListFolder(Path(in), [&](DirEntry&& entry) {
-            names.append(entry.name);
-            return true;
-        });
-        names.sort();
-        return names;
-    }
     void Fifo(const char* name) const
     {
         ASSERT_EQ(mkfifo(folder.Bytes(name).constData(), 0644), 0);
@@ -56,9 +28,6 @@ protected:
         const FileHandle made(socket(AF_UNIX, SOCK_STREAM, 0));
         ASSERT_EQ(bind(made.Fd(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
     }
-
-    TempFolder folder;
-    DesktopFileService service;
 };
 
 TEST_F(OddFilesTest, PipesSocketsAndDevicesAreNoSourcesAndNobodyWaitsForThem)

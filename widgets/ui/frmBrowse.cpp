@@ -1,6 +1,7 @@
 #include "widgets/ui/frmBrowse.h"
 
 #include "core/paths.h"
+#include "platform/ui/window_room.h"
 #include "widgets/ui/folder_tree.h"
 
 #include <QHBoxLayout>
@@ -12,7 +13,6 @@ namespace quillane {
 namespace {
 
 constexpr QSize kFirstSize{420, 480}; // logical pixels
-constexpr int kBrowseTitle = 30;      // what the desktop puts above a window
 
 QPushButton* BrowseButton(const char* name, const QString& caption)
 {
@@ -65,7 +65,7 @@ frmBrowse::frmBrowse(Session& session, Dialogs& dialogs, const QString& home, QW
 
 QSize frmBrowse::FirstSizeIn(const QSize& room)
 {
-    return kFirstSize.boundedTo(room - QSize(0, kBrowseTitle));
+    return kFirstSize.boundedTo(WindowRoom(room));
 }
 
 void frmBrowse::PickFiles(const QString& selected)
