@@ -3,6 +3,7 @@
 #include "core/numbers.h"
 #include "platform/ui/command_connector.h"
 #include "platform/ui/window_room.h"
+#include "widgets/ui/scrolled_page.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -51,20 +52,6 @@ template <typename Options> void LeadTabToTheCheckedOne(const Options& options)
     for (QRadioButton* option : options) {
         option->setFocusPolicy(option->isChecked() ? Qt::StrongFocus : Qt::ClickFocus);
     }
-}
-
-/// A page of the tabs; a low screen shows a part of it.
-QScrollArea* OnLowScreensScrolled(QWidget* page)
-{
-    auto* area = new QScrollArea;
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setFocusPolicy(Qt::NoFocus);
-    area->setWidget(page);
-    // The page of the tab shows through.
-    area->viewport()->setAutoFillBackground(false);
-    page->setAutoFillBackground(false);
-    return area;
 }
 
 } // namespace
@@ -189,7 +176,7 @@ QWidget* frmBrowserPreferences::MakeFileTab()
     layout->addWidget(MakeListFrame());
     layout->addWidget(MakeKeywordFrame());
     layout->addStretch();
-    return OnLowScreensScrolled(tab);
+    return ScrolledPage(tab);
 }
 
 QWidget* frmBrowserPreferences::MakeVideoFrame()
@@ -224,7 +211,7 @@ QWidget* frmBrowserPreferences::MakeImagingTab()
     layout->addWidget(saving);
     layout->addWidget(MakeVideoFrame());
     layout->addStretch();
-    return OnLowScreensScrolled(tab);
+    return ScrolledPage(tab);
 }
 
 QWidget* frmBrowserPreferences::MakeSlot(const char* kind, int number, SlotRow& row)
@@ -281,7 +268,7 @@ QWidget* frmBrowserPreferences::MakeSlotTab(const char* kind, Four<SlotRow>& row
         layout->addWidget(MakeSlot(kind, i, rows[size_t(i)]));
     }
     layout->addStretch();
-    return OnLowScreensScrolled(inside);
+    return ScrolledPage(inside);
 }
 
 void frmBrowserPreferences::Load()

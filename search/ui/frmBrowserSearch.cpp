@@ -2,6 +2,7 @@
 
 #include "platform/ui/command_connector.h"
 #include "platform/ui/window_room.h"
+#include "widgets/ui/scrolled_page.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -96,15 +97,7 @@ QScrollArea* frmBrowserSearch::BuildPage()
     layout->addWidget(BuildTextFrame());
     layout->addStretch();
     // A low screen shows a part of the rows, and the buttons all the same.
-    auto* area = new QScrollArea;
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setFocusPolicy(Qt::NoFocus);
-    area->setWidget(page);
-    // The page of the tab shows through.
-    area->viewport()->setAutoFillBackground(false);
-    page->setAutoFillBackground(false);
-    return area;
+    return ScrolledPage(page);
 }
 
 QCheckBox* frmBrowserSearch::AddCheck(const char* name, int index, int mnemonic,
